@@ -148,6 +148,74 @@ KRO_API extern int threads_omp_of_n_kro;
 /* ======================================================================== */
 /* JPEG quantisation, 8x8 DCT, level shift and zig-zag                      */
 /* ======================================================================== */
+/* Raw quantisation tables are 64 Kro8u steps in zig-zag order, as stored in a
+ * JPEG stream. The working tables are 64 Kro16u in natural order: the forward
+ * one holds 32768 / step rounded (a 15-bit fraction), the inverse one the steps.
+ * All block functions take 64 Kro16s in natural order. */
+
+/* Scales a raw table in place by a quality factor: S = 5000 / q for q < 50,
+ * else 200 - 2q; each step becomes (step * S + 50) / 100 clamped to 1..255.
+ * 50 keeps the table; 100, above 100 and negative factors give all ones. The
+ * factor is not checked and must not be 0. -8 for a null table. */
+KRO_API KroStatus kroiQuantFwdRawTableInit_JPEG_8u(Kro8u* pQuantRawTable, int qualityFactor);
+/* Forward working table. A zero step gives 65535 in its entry and the warning
+ * kroStatusDivideByZeroWarning; -8 for a null pointer. */
+KRO_API KroStatus kroiQuantFwdTableInit_JPEG_8u16u(const Kro8u* pQuantRawTable,
+                                                   Kro16u* pQuantFwdTable);
+/* Inverse working table (the steps widened and put in natural order). */
+KRO_API KroStatus kroiQuantInvTableInit_JPEG_8u16u(const Kro8u* pQuantRawTable,
+                                                   Kro16u* pQuantInvTable);
+/* c = coef * recip / 32768 rounded half to even, saturated. As the reciprocal is
+ * rounded, c may differ by one from coef / step. */
+KRO_API KroStatus kroiQuantFwd8x8_JPEG_16s_C1I(Kro16s* pSrcDst, const Kro16u* pQuantFwdTable);
+/* coef * step, saturated to 16 bits. */
+KRO_API KroStatus kroiQuantInv8x8_JPEG_16s_C1I(Kro16s* pSrcDst, const Kro16u* pQuantInvTable);
+
+/* Forward and inverse 8x8 DCT (T.81 A.3.3) in 16-bit fixed point: forward rows then
+ * columns, inverse columns then rows, exact integer arithmetic. Intermediates wrap
+ * at 32 bits and are kept as 16 bits between passes, so out-of-range input wraps
+ * rather than saturates. A constant block v gives 8v at index 0; an inverse DC of
+ * 8v gives v everywhere. -8 for a null pointer. */
+KRO_API KroStatus kroiDCT8x8Fwd_16s_C1(const Kro16s* pSrc, Kro16s* pDst);
+KRO_API KroStatus kroiDCT8x8Fwd_16s_C1I(Kro16s* pSrcDst);
+KRO_API KroStatus kroiDCT8x8Inv_16s_C1(const Kro16s* pSrc, Kro16s* pDst);
+KRO_API KroStatus kroiDCT8x8Inv_16s_C1I(Kro16s* pSrcDst);
+
+/* Forward DCT into pDst, then quantisation of pDst as kroiQuantFwd8x8_JPEG_16s_C1I.
+ * -8 for any null pointer. */
+KRO_API KroStatus kroiDCTQuantFwd8x8_JPEG_16s_C1(const Kro16s* pSrc, Kro16s* pDst,
+                                                 const Kro16u* pQuantFwdTable);
+KRO_API KroStatus kroiDCTQuantFwd8x8_JPEG_16s_C1I(Kro16s* pSrcDst, const Kro16u* pQuantFwdTable);
+/* An 8x8 region of 8-bit samples, minus 128, forward DCT, quantised into 64
+ * contiguous coefficients. Checks: pSrc or pDst null -8; srcStep < 1 -14;
+ * table null -8. */
+KRO_API KroStatus kroiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDst,
+                                                      const Kro16u* pQuantFwdTable);
+/* Dequantisation (saturated) into pDst, then inverse DCT of pDst. -8 for any null
+ * pointer. */
+KRO_API KroStatus kroiDCTQuantInv8x8_JPEG_16s_C1(const Kro16s* pSrc, Kro16s* pDst,
+                                                 const Kro16u* pQuantInvTable);
+KRO_API KroStatus kroiDCTQuantInv8x8_JPEG_16s_C1I(Kro16s* pSrcDst, const Kro16u* pQuantInvTable);
+/* Dequantisation, inverse DCT, plus 128 clamped to 0..255 into an 8x8 region;
+ * pSrc is left unchanged. Checks: pSrc or pDst null -8; dstStep < 1 -14; table
+ * null -8. */
+KRO_API KroStatus kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(const Kro16s* pSrc, Kro8u* pDst,
+                                                      int dstStep,
+                                                      const Kro16u* pQuantInvTable);
+
+/* Level shifts over a region: dst = src - 128, and dst = clamp(src + 128, 0, 255).
+ * Checks: pSrc null -8; srcStep < 1 -14; pDst null -8; dstStep < 1 -14; width or
+ * height < 1 -6. Regions of 8193 samples or more split their rows over threads. */
+KRO_API KroStatus kroiSub128_JPEG_8u16s_C1R(const Kro8u* pSrc, int srcStep, Kro16s* pDst,
+                                            int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAdd128_JPEG_16s8u_C1R(const Kro16s* pSrc, int srcStep, Kro8u* pDst,
+                                            int dstStep, KroiSize roiSize);
+
+/* Zig-zag reordering (T.81 figure A.6): Fwd natural to zig-zag, Inv back. The
+ * blocks must not overlap. -8 for a null pointer. */
+KRO_API KroStatus kroiZigzagFwd8x8_16s_C1(const Kro16s* pSrc, Kro16s* pDst);
+KRO_API KroStatus kroiZigzagInv8x8_16s_C1(const Kro16s* pSrc, Kro16s* pDst);
 
 /* ======================================================================== */
 /* JPEG colour conversion, sampling and MCU conversion                      */
@@ -157,6 +225,246 @@ KRO_API extern int threads_omp_of_n_kro;
 /* JPEG 2000 component transforms and wavelet transforms                    */
 /* ======================================================================== */
 
+/* Component transforms on three components (T.800 G.2, G.3). Planar arguments are
+ * an array of three plane pointers sharing one row step; transformed planes are
+ * ordered Y, then the blue difference, then the red difference.
+ *   RCT forward: Y = (R + 2G + B) >> 2, U = B - G, V = R - G.
+ *   RCT inverse: G = Y - ((U + V) >> 2), R = V + G, B = U + G.
+ *   ICT 32f: the YCbCr rotation evaluated in double precision, rounded to float.
+ *   ICT 32s/16s: 2^-14 fixed point (forward rounds the whole sum, the inverse each
+ *   correction term). Integer results wrap (32s in 32 bits, 16s to the low 16 bits).
+ * P3IR checks: null array or plane -8, srcDstStep < 1 -14, width or height < 1 -6.
+ * C3P3R / P3C3R checks: null pointer or plane -8, a step < 1 -14, size -6.
+ * The four 32s RCT functions split their rows over threads for 8193 or more pixels. */
+KRO_API KroStatus kroiRCTFwd_JPEG2K_16s_C3P3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst[3], int dstStep,
+                                              KroiSize roiSize);
+KRO_API KroStatus kroiRCTFwd_JPEG2K_16s_P3IR(Kro16s* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiRCTFwd_JPEG2K_32s_C3P3R(const Kro32s* pSrc, int srcStep, Kro32s* pDst[3], int dstStep,
+                                              KroiSize roiSize);
+KRO_API KroStatus kroiRCTFwd_JPEG2K_32s_P3IR(Kro32s* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiRCTInv_JPEG2K_16s_P3C3R(const Kro16s* pSrc[3], int srcStep, Kro16s* pDst, int dstStep,
+                                              KroiSize roiSize);
+KRO_API KroStatus kroiRCTInv_JPEG2K_16s_P3IR(Kro16s* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiRCTInv_JPEG2K_32s_P3C3R(const Kro32s* pSrc[3], int srcStep, Kro32s* pDst, int dstStep,
+                                              KroiSize roiSize);
+KRO_API KroStatus kroiRCTInv_JPEG2K_32s_P3IR(Kro32s* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiICTFwd_JPEG2K_16s_P3IR(Kro16s* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiICTFwd_JPEG2K_32f_C3P3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst[3], int dstStep,
+                                              KroiSize roiSize);
+KRO_API KroStatus kroiICTFwd_JPEG2K_32f_P3IR(Kro32f* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiICTFwd_JPEG2K_32s_P3IR(Kro32s* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiICTInv_JPEG2K_16s_P3IR(Kro16s* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiICTInv_JPEG2K_32f_P3C3R(const Kro32f* pSrc[3], int srcStep, Kro32f* pDst, int dstStep,
+                                              KroiSize roiSize);
+KRO_API KroStatus kroiICTInv_JPEG2K_32f_P3IR(Kro32f* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiICTInv_JPEG2K_32s_P3IR(Kro32s* pSrcDst[3], int srcDstStep, KroiSize roiSize);
+
+/* Wavelet transforms, one decomposition level (T.800 annex F, whole-sample
+ * symmetric extension). B53 is the reversible 5/3 filter, D97 the irreversible 9/7.
+ * pTileRect gives the tile component's origin (only the parity of x and y matters:
+ * an even coordinate is a low-pass position) and its size. Four-band arrays are
+ * ordered LxLy, LxHy, HxLy, HxHy.
+ *
+ * GetBufSize: bytes of work buffer the 2D functions of the same form need; null
+ * pointer -8. The in-place (C1IR) size is 0 for tiles whose sides are all short
+ * (B53: at most 2, D97: below 2); the out-of-place (C1R) size adds a working image
+ * whose rows are rounded up to 32 bytes. */
+KRO_API KroStatus kroiWTGetBufSize_B53_JPEG2K_16s_C1IR(const KroiRect* pTileRect, int* pSize);
+KRO_API KroStatus kroiWTGetBufSize_B53_JPEG2K_32s_C1IR(const KroiRect* pTileRect, int* pSize);
+KRO_API KroStatus kroiWTGetBufSize_B53_JPEG2K_16s_C1R(const KroiRect* pTileRect, int* pSize);
+KRO_API KroStatus kroiWTGetBufSize_B53_JPEG2K_32s_C1R(const KroiRect* pTileRect, int* pSize);
+KRO_API KroStatus kroiWTGetBufSize_D97_JPEG2K_16s_C1IR(const KroiRect* pTileRect, int* pSize);
+KRO_API KroStatus kroiWTGetBufSize_D97_JPEG2K_32s_C1IR(const KroiRect* pTileRect, int* pSize);
+KRO_API KroStatus kroiWTGetBufSize_D97_JPEG2K_16s_C1R(const KroiRect* pTileRect, int* pSize);
+KRO_API KroStatus kroiWTGetBufSize_D97_JPEG2K_32s_C1R(const KroiRect* pTileRect, int* pSize);
+
+/* 2D in place: forward runs every column, then every row, leaving the sub-bands as
+ * quadrants whose split follows the origin's parity; the inverse runs rows, then
+ * columns. Checks: pSrcDst null -8, srcDstStep < 1 -14, pTileRect or pBuffer null
+ * -8 (pBuffer even when its reported size is 0). The tile size is not checked. */
+KRO_API KroStatus kroiWTFwd_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                                                Kro8u* pBuffer);
+KRO_API KroStatus kroiWTFwd_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                                                Kro8u* pBuffer);
+KRO_API KroStatus kroiWTInv_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                                                Kro8u* pBuffer);
+KRO_API KroStatus kroiWTInv_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                                                Kro8u* pBuffer);
+KRO_API KroStatus kroiWTFwd_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                                                Kro8u* pBuffer);
+KRO_API KroStatus kroiWTFwd_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                                                Kro8u* pBuffer);
+KRO_API KroStatus kroiWTInv_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                                                Kro8u* pBuffer);
+KRO_API KroStatus kroiWTInv_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                                                Kro8u* pBuffer);
+
+/* 2D out of place, through a working image in pBuffer. The bands are cut as if the
+ * first sample were low-pass whatever the origin's parity: band 0 is
+ * (width + 1) / 2 x (height + 1) / 2, band 3 width / 2 x height / 2 (kept for
+ * compatibility with existing callers). Checks: pSrc/pDst, the band pointer and
+ * step arrays, pTileRect, pBuffer null -8; srcStep/dstStep < 1 -14; a band pointer
+ * null -8; a band step < 1 -14; width or height < 1 -6. */
+KRO_API KroStatus kroiWTFwd_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstBand[4],
+                                               int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer);
+KRO_API KroStatus kroiWTFwd_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstBand[4],
+                                               int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer);
+KRO_API KroStatus kroiWTInv_B53_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4], Kro16s* pDst,
+                                               int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer);
+KRO_API KroStatus kroiWTInv_B53_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4], Kro32s* pDst,
+                                               int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer);
+KRO_API KroStatus kroiWTFwd_D97_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstBand[4],
+                                               int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer);
+KRO_API KroStatus kroiWTFwd_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstBand[4],
+                                               int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer);
+KRO_API KroStatus kroiWTInv_D97_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4], Kro16s* pDst,
+                                               int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer);
+KRO_API KroStatus kroiWTInv_D97_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4], Kro32s* pDst,
+                                               int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer);
+
+/* Region forms: one level in one direction over a region whose neighbours exist in
+ * memory. They read samples outside the region and never extend. Row forms write
+ * dstRoiSize.width samples per band row from 2 * width source samples; column forms
+ * write dstRoiSize.height band rows from 2 * height source rows. phase 0: source
+ * sample (row) 0 is a low-pass position; any other value: a high-pass one.
+ * Rows read outside [0, 2w): B53 forward 2 left / 1 right (phase 0) or 1 / 2,
+ * D97 forward 4 / 3 or 3 / 4; the inverse forms read the matching band neighbours.
+ * Checks: a pointer null -8, a step < 1 -14, width or height < 1 -6. */
+KRO_API KroStatus kroiWTFwdRow_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstLow,
+                                                  int dstLowStep, Kro16s* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTFwdRow_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstLow,
+                                                  int dstLowStep, Kro32s* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTInvRow_B53_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep, const Kro16s* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro16s* pDst,
+                                                  int dstStep, int phase);
+KRO_API KroStatus kroiWTInvRow_B53_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep, const Kro32s* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro32s* pDst,
+                                                  int dstStep, int phase);
+KRO_API KroStatus kroiWTFwdCol_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstLow,
+                                                  int dstLowStep, Kro16s* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTFwdCol_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstLow,
+                                                  int dstLowStep, Kro32s* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTInvCol_B53_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep, const Kro16s* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro16s* pDst,
+                                                  int dstStep, int phase);
+KRO_API KroStatus kroiWTInvCol_B53_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep, const Kro32s* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro32s* pDst,
+                                                  int dstStep, int phase);
+KRO_API KroStatus kroiWTFwdRow_D97_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstLow,
+                                                  int dstLowStep, Kro16s* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTFwdRow_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstLow,
+                                                  int dstLowStep, Kro32s* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTFwdRow_D97_JPEG2K_32f_C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDstLow,
+                                                  int dstLowStep, Kro32f* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTInvRow_D97_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep, const Kro16s* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro16s* pDst,
+                                                  int dstStep, int phase);
+KRO_API KroStatus kroiWTInvRow_D97_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep, const Kro32s* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro32s* pDst,
+                                                  int dstStep, int phase);
+KRO_API KroStatus kroiWTInvRow_D97_JPEG2K_32f_C1R(const Kro32f* pSrcLow, int srcLowStep, const Kro32f* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro32f* pDst,
+                                                  int dstStep, int phase);
+KRO_API KroStatus kroiWTFwdCol_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstLow,
+                                                  int dstLowStep, Kro32s* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTFwdCol_D97_JPEG2K_32f_C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDstLow,
+                                                  int dstLowStep, Kro32f* pDstHigh, int dstHighStep,
+                                                  KroiSize dstRoiSize, int phase);
+KRO_API KroStatus kroiWTInvCol_D97_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep, const Kro32s* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro32s* pDst,
+                                                  int dstStep, int phase);
+KRO_API KroStatus kroiWTInvCol_D97_JPEG2K_32f_C1R(const Kro32f* pSrcLow, int srcLowStep, const Kro32f* pSrcHigh,
+                                                  int srcHighStep, KroiSize srcRoiSize, Kro32f* pDst,
+                                                  int dstStep, int phase);
+
+/* Streaming 5/3 column step for index n over a row of width samples; no extension.
+ * Forward: pDstHigh = d[n] = x[2n+1] - ((x[2n] + x[2n+2]) >> 1) from pSrc0..2 =
+ * x[2n..2n+2], then pDstLow = s[n] = x[2n] + ((d[n-1] + d[n] + 2) >> 2) with
+ * pSrcHighPrev = d[n-1] (which may be the same row as pDstHigh).
+ * Inverse: pDstEven = x[2n] = s[n] - ((d[n-1] + d[n] + 2) >> 2), then pDstOdd =
+ * x[2n-1] = d[n-1] + ((x[2n-2] + x[2n]) >> 1) with pSrcEvenPrev = x[2n-2].
+ * ColStep is the same function under a second name. Null pointer -8, width < 1 -6. */
+KRO_API KroStatus kroiWTFwdColLift_B53_JPEG2K_16s_C1(const Kro16s* pSrc0, const Kro16s* pSrc1, const Kro16s* pSrc2,
+                                                     Kro16s* pDstLow, const Kro16s* pSrcHighPrev, Kro16s* pDstHigh,
+                                                     int width);
+KRO_API KroStatus kroiWTFwdColLift_B53_JPEG2K_32s_C1(const Kro32s* pSrc0, const Kro32s* pSrc1, const Kro32s* pSrc2,
+                                                     Kro32s* pDstLow, const Kro32s* pSrcHighPrev, Kro32s* pDstHigh,
+                                                     int width);
+KRO_API KroStatus kroiWTFwdColStep_B53_JPEG2K_16s_C1(const Kro16s* pSrc0, const Kro16s* pSrc1, const Kro16s* pSrc2,
+                                                     Kro16s* pDstLow, const Kro16s* pSrcHighPrev, Kro16s* pDstHigh,
+                                                     int width);
+KRO_API KroStatus kroiWTFwdColStep_B53_JPEG2K_32s_C1(const Kro32s* pSrc0, const Kro32s* pSrc1, const Kro32s* pSrc2,
+                                                     Kro32s* pDstLow, const Kro32s* pSrcHighPrev, Kro32s* pDstHigh,
+                                                     int width);
+KRO_API KroStatus kroiWTInvColLift_B53_JPEG2K_16s_C1(const Kro16s* pSrcLow, const Kro16s* pSrcHighPrev,
+                                                     const Kro16s* pSrcHigh, const Kro16s* pSrcEvenPrev,
+                                                     Kro16s* pDstOdd, Kro16s* pDstEven, int width);
+KRO_API KroStatus kroiWTInvColLift_B53_JPEG2K_32s_C1(const Kro32s* pSrcLow, const Kro32s* pSrcHighPrev,
+                                                     const Kro32s* pSrcHigh, const Kro32s* pSrcEvenPrev,
+                                                     Kro32s* pDstOdd, Kro32s* pDstEven, int width);
+KRO_API KroStatus kroiWTInvColStep_B53_JPEG2K_16s_C1(const Kro16s* pSrcLow, const Kro16s* pSrcHighPrev,
+                                                     const Kro16s* pSrcHigh, const Kro16s* pSrcEvenPrev,
+                                                     Kro16s* pDstOdd, Kro16s* pDstEven, int width);
+KRO_API KroStatus kroiWTInvColStep_B53_JPEG2K_32s_C1(const Kro32s* pSrcLow, const Kro32s* pSrcHighPrev,
+                                                     const Kro32s* pSrcHigh, const Kro32s* pSrcEvenPrev,
+                                                     Kro32s* pDstOdd, Kro32s* pDstEven, int width);
+
+/* Streaming 9/7 column step: a lifting pipeline over whole rows that lags behind its
+ * input. Forward call n, each pass over the whole width before the next:
+ *   pHighCur  = d1[n] = x[2n+1] + alpha (x[2n] + x[2n+2])   (pSrc0..2 = x[2n..2n+2])
+ *   pLowCur   = s1[n] = x[2n] + beta (pHighPrev + pHighCur)
+ *   pHighPrev = d2[n-1] = pHighPrev + gamma (pLowPrev + pLowCur)
+ *   pLowPrev  = final low n-1 (delta step from pHighPrev2, pHighPrev, then 1/K)
+ *   pHighPrev2 = final high n-2 (times K)
+ * then rotate: pLowCur -> pLowPrev, pHighPrev -> pHighPrev2, pHighCur -> pHighPrev.
+ * Inverse call n, from pSrcLow = low[n], pSrcHighPrev = high[n-1], pSrcHigh = high[n]:
+ *   pEvenCur = s1[n] = low[n] K - (high[n-1] + high[n]) delta/K
+ *   pOddCur  = d1[n-1] = high[n-1] / K - gamma (pEvenPrev + pEvenCur)
+ *   pEvenPrev = x[2n-2] = pEvenPrev - beta (pOddPrev + pOddCur)
+ *   pOddPrev  = x[2n-3] = pOddPrev - alpha (pEvenPrev2 + pEvenPrev)
+ * then rotate: pEvenCur -> pEvenPrev, pEvenPrev -> pEvenPrev2, pOddCur -> pOddPrev,
+ * pSrcHigh -> pSrcHighPrev. 32f runs in single precision, each sum, product and
+ * addition rounded separately; 16s and 32s use 2^-16 fixed point with 64-bit
+ * products, the delta step folded into the scaling. No extension: the caller
+ * supplies the mirrored rows at both ends. ColStep (32f) is ColLift under a second
+ * name. Null pointer -8, width < 1 -6. */
+KRO_API KroStatus kroiWTFwdColLift_D97_JPEG2K_16s_C1(const Kro16s* pSrc0, const Kro16s* pSrc1, const Kro16s* pSrc2,
+                                                     Kro16s* pLowPrev, Kro16s* pLowCur, Kro16s* pHighPrev2,
+                                                     Kro16s* pHighPrev, Kro16s* pHighCur, int width);
+KRO_API KroStatus kroiWTFwdColLift_D97_JPEG2K_32s_C1(const Kro32s* pSrc0, const Kro32s* pSrc1, const Kro32s* pSrc2,
+                                                     Kro32s* pLowPrev, Kro32s* pLowCur, Kro32s* pHighPrev2,
+                                                     Kro32s* pHighPrev, Kro32s* pHighCur, int width);
+KRO_API KroStatus kroiWTFwdColLift_D97_JPEG2K_32f_C1(const Kro32f* pSrc0, const Kro32f* pSrc1, const Kro32f* pSrc2,
+                                                     Kro32f* pLowPrev, Kro32f* pLowCur, Kro32f* pHighPrev2,
+                                                     Kro32f* pHighPrev, Kro32f* pHighCur, int width);
+KRO_API KroStatus kroiWTFwdColStep_D97_JPEG2K_32f_C1(const Kro32f* pSrc0, const Kro32f* pSrc1, const Kro32f* pSrc2,
+                                                     Kro32f* pLowPrev, Kro32f* pLowCur, Kro32f* pHighPrev2,
+                                                     Kro32f* pHighPrev, Kro32f* pHighCur, int width);
+KRO_API KroStatus kroiWTInvColLift_D97_JPEG2K_16s_C1(const Kro16s* pSrcLow, const Kro16s* pSrcHighPrev,
+                                                     const Kro16s* pSrcHigh, Kro16s* pOddPrev, Kro16s* pOddCur,
+                                                     Kro16s* pEvenPrev2, Kro16s* pEvenPrev, Kro16s* pEvenCur,
+                                                     int width);
+KRO_API KroStatus kroiWTInvColLift_D97_JPEG2K_32s_C1(const Kro32s* pSrcLow, const Kro32s* pSrcHighPrev,
+                                                     const Kro32s* pSrcHigh, Kro32s* pOddPrev, Kro32s* pOddCur,
+                                                     Kro32s* pEvenPrev2, Kro32s* pEvenPrev, Kro32s* pEvenCur,
+                                                     int width);
+KRO_API KroStatus kroiWTInvColLift_D97_JPEG2K_32f_C1(const Kro32f* pSrcLow, const Kro32f* pSrcHighPrev,
+                                                     const Kro32f* pSrcHigh, Kro32f* pOddPrev, Kro32f* pOddCur,
+                                                     Kro32f* pEvenPrev2, Kro32f* pEvenPrev, Kro32f* pEvenCur,
+                                                     int width);
+KRO_API KroStatus kroiWTInvColStep_D97_JPEG2K_32f_C1(const Kro32f* pSrcLow, const Kro32f* pSrcHighPrev,
+                                                     const Kro32f* pSrcHigh, Kro32f* pOddPrev, Kro32f* pOddCur,
+                                                     Kro32f* pEvenPrev2, Kro32f* pEvenPrev, Kro32f* pEvenCur,
+                                                     int width);
+
 /* ======================================================================== */
 /* JPEG 2000 tier-1 code-block coding                                       */
 /* ======================================================================== */
@@ -164,6 +472,521 @@ KRO_API extern int threads_omp_of_n_kro;
 /* ======================================================================== */
 /* Image copy, set, convert and logical operations                          */
 /* ======================================================================== */
+/* Regions of interest as everywhere: a pointer to the first pixel, a row step in
+ * bytes (any value; rows of 16- and 32-bit samples need not be aligned to the sample
+ * size) and a KroiSize. CR forms: the pointers address one channel of the first pixel
+ * and the pixel stride is the channel count. AC4: four channels of which the fourth
+ * (alpha) is never written. P3/P4: three or four planes sharing one step. M: an 8-bit
+ * mask image with its own step; a pixel is written only where its mask byte is not 0.
+ * All of these run on the calling thread. Float images are copied and set as bits.
+ *
+ * Checks, first failure decides:
+ *   Copy     null pointer (mask, plane array, any plane) -> kroStatusNullPointer;
+ *            width or height below 1 -> kroStatusBadSize. Steps are not checked: a
+ *            step of 0 repeats one row, a negative step walks upwards.
+ *   Set      null (value array, mask) -> kroStatusNullPointer; size -> kroStatusBadSize;
+ *            dstStep, and for the M forms maskStep, below 1 -> kroStatusBadStep.
+ *   Convert  null -> kroStatusNullPointer; size -> kroStatusBadSize; either step below
+ *            1 -> kroStatusBadStep.
+ *   Logical  any pointer (value array included) null -> kroStatusNullPointer; any step
+ *            below 1 -> kroStatusBadStep; then size -> kroStatusBadSize. */
+
+/* Copy. C1R, C3R, C4R: whole pixels. AC4R: channels 0 to 2, the destination keeps
+ * its alpha; when both steps are exactly four samples times the width the region is
+ * copied as one row. */
+KRO_API KroStatus kroiCopy_8u_C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                    KroiSize roiSize);
+
+/* Copy one channel. C3C1R, C4C1R: the channel pSrc addresses into a one-channel
+ * image. C1C3R, C1C4R: a one-channel image into the channel pDst addresses, the
+ * others untouched. C3CR, C4CR: one channel into one channel. AC4C3R drops alpha;
+ * C3AC4R writes channels 0 to 2 and keeps the destination's alpha. */
+KRO_API KroStatus kroiCopy_8u_C3C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C3C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C3C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C4C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C4C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C4C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C1C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C1C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C1C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C1C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C1C4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C1C4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C3CR(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C3CR(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C3CR(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C4CR(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C4CR(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C4CR(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_AC4C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_AC4C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                      KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_AC4C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                      KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C3AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C3AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                      KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C3AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                      KroiSize roiSize);
+
+/* Masked copy: every channel of a pixel (channels 0 to 2 for AC4) where the mask
+ * byte is not 0; other pixels keep their values. */
+KRO_API KroStatus kroiCopy_8u_C1MR(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                   KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_16s_C1MR(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_32f_C1MR(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_8u_C3MR(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                   KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_16s_C3MR(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_32f_C3MR(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_8u_C4MR(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                   KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_16s_C4MR(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_32f_C4MR(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_8u_AC4MR(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_16s_AC4MR(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep,
+                                     KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiCopy_32f_AC4MR(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep,
+                                     KroiSize roiSize, const Kro8u* pMask, int maskStep);
+
+/* Interleaved to planar and back; pDst[c] / pSrc[c] is plane c, all with one step. */
+KRO_API KroStatus kroiCopy_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst[3], int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C3P3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst[3], int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C3P3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst[3], int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_P3C3R(const Kro8u* pSrc[3], int srcStep, Kro8u* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_P3C3R(const Kro16s* pSrc[3], int srcStep, Kro16s* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_P3C3R(const Kro32f* pSrc[3], int srcStep, Kro32f* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_C4P4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst[4], int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_C4P4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst[4], int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_C4P4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst[4], int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_8u_P4C4R(const Kro8u* pSrc[4], int srcStep, Kro8u* pDst, int dstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiCopy_16s_P4C4R(const Kro16s* pSrc[4], int srcStep, Kro16s* pDst, int dstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiCopy_32f_P4C4R(const Kro32f* pSrc[4], int srcStep, Kro32f* pDst, int dstStep,
+                                     KroiSize roiSize);
+
+/* Set every pixel to a value. C1R; C3CR, C4CR: the channel pDst addresses, the others
+ * untouched; C3R, C4R: three or four channel values; AC4R: three values, alpha kept. */
+KRO_API KroStatus kroiSet_8u_C1R(Kro8u value, Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_16s_C1R(Kro16s value, Kro16s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_32f_C1R(Kro32f value, Kro32f* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_8u_C3CR(Kro8u value, Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_16s_C3CR(Kro16s value, Kro16s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_32f_C3CR(Kro32f value, Kro32f* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_8u_C4CR(Kro8u value, Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_16s_C4CR(Kro16s value, Kro16s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_32f_C4CR(Kro32f value, Kro32f* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_8u_C3R(const Kro8u value[3], Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_16s_C3R(const Kro16s value[3], Kro16s* pDst, int dstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiSet_32f_C3R(const Kro32f value[3], Kro32f* pDst, int dstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiSet_8u_C4R(const Kro8u value[4], Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_16s_C4R(const Kro16s value[4], Kro16s* pDst, int dstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiSet_32f_C4R(const Kro32f value[4], Kro32f* pDst, int dstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiSet_8u_AC4R(const Kro8u value[3], Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiSet_16s_AC4R(const Kro16s value[3], Kro16s* pDst, int dstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiSet_32f_AC4R(const Kro32f value[3], Kro32f* pDst, int dstStep,
+                                   KroiSize roiSize);
+
+/* Masked set: pixels whose mask byte is not 0. */
+KRO_API KroStatus kroiSet_8u_C1MR(Kro8u value, Kro8u* pDst, int dstStep, KroiSize roiSize,
+                                  const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_16s_C1MR(Kro16s value, Kro16s* pDst, int dstStep, KroiSize roiSize,
+                                   const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_32f_C1MR(Kro32f value, Kro32f* pDst, int dstStep, KroiSize roiSize,
+                                   const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_8u_C3MR(const Kro8u value[3], Kro8u* pDst, int dstStep, KroiSize roiSize,
+                                  const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_16s_C3MR(const Kro16s value[3], Kro16s* pDst, int dstStep,
+                                   KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_32f_C3MR(const Kro32f value[3], Kro32f* pDst, int dstStep,
+                                   KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_8u_C4MR(const Kro8u value[4], Kro8u* pDst, int dstStep, KroiSize roiSize,
+                                  const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_16s_C4MR(const Kro16s value[4], Kro16s* pDst, int dstStep,
+                                   KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_32f_C4MR(const Kro32f value[4], Kro32f* pDst, int dstStep,
+                                   KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_8u_AC4MR(const Kro8u value[3], Kro8u* pDst, int dstStep, KroiSize roiSize,
+                                   const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_16s_AC4MR(const Kro16s value[3], Kro16s* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+KRO_API KroStatus kroiSet_32f_AC4MR(const Kro32f value[3], Kro32f* pDst, int dstStep,
+                                    KroiSize roiSize, const Kro8u* pMask, int maskStep);
+
+/* Widening without sign: pDst = pSrc. When srcStep equals the width and dstStep
+ * twice that, the region is converted as one row. */
+KRO_API KroStatus kroiConvert_8u16u_C1R(const Kro8u* pSrc, int srcStep, Kro16u* pDst, int dstStep,
+                                        KroiSize roiSize);
+
+/* pDst = pSrc1 op pSrc2 per sample; IR: pSrcDst = pSrc op pSrcDst. AC4 forms work on
+ * channels 0 to 2 and leave the destination's alpha. */
+KRO_API KroStatus kroiAnd_8u_C1R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                 Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_8u_C1IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiAnd_8u_C3R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                 Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_8u_C3IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiAnd_8u_C4R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                 Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_8u_C4IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiAnd_8u_AC4R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2,
+                                  int src2Step, Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_8u_AC4IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAnd_16u_C1R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                  int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_16u_C1IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAnd_16u_C3R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                  int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_16u_C3IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAnd_16u_C4R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                  int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_16u_C4IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAnd_16u_AC4R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                   int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_16u_AC4IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst,
+                                    int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_32s_C1R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                  int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_32s_C1IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAnd_32s_C3R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                  int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_32s_C3IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAnd_32s_C4R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                  int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_32s_C4IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAnd_32s_AC4R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                   int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAnd_32s_AC4IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst,
+                                    int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_8u_C1R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_8u_C1IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                 KroiSize roiSize);
+KRO_API KroStatus kroiOr_8u_C3R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_8u_C3IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                 KroiSize roiSize);
+KRO_API KroStatus kroiOr_8u_C4R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_8u_C4IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                 KroiSize roiSize);
+KRO_API KroStatus kroiOr_8u_AC4R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                 Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_8u_AC4IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOr_16u_C1R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                 int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_16u_C1IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOr_16u_C3R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                 int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_16u_C3IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOr_16u_C4R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                 int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_16u_C4IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOr_16u_AC4R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                  int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_16u_AC4IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiOr_32s_C1R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                 int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_32s_C1IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOr_32s_C3R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                 int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_32s_C3IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOr_32s_C4R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                 int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_32s_C4IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOr_32s_AC4R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                  int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOr_32s_AC4IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXor_8u_C1R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                 Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_8u_C1IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiXor_8u_C3R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                 Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_8u_C3IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiXor_8u_C4R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2, int src2Step,
+                                 Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_8u_C4IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiXor_8u_AC4R(const Kro8u* pSrc1, int src1Step, const Kro8u* pSrc2,
+                                  int src2Step, Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_8u_AC4IR(const Kro8u* pSrc, int srcStep, Kro8u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXor_16u_C1R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                  int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_16u_C1IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXor_16u_C3R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                  int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_16u_C3IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXor_16u_C4R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                  int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_16u_C4IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXor_16u_AC4R(const Kro16u* pSrc1, int src1Step, const Kro16u* pSrc2,
+                                   int src2Step, Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_16u_AC4IR(const Kro16u* pSrc, int srcStep, Kro16u* pSrcDst,
+                                    int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_32s_C1R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                  int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_32s_C1IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXor_32s_C3R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                  int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_32s_C3IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXor_32s_C4R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                  int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_32s_C4IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXor_32s_AC4R(const Kro32s* pSrc1, int src1Step, const Kro32s* pSrc2,
+                                   int src2Step, Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXor_32s_AC4IR(const Kro32s* pSrc, int srcStep, Kro32s* pSrcDst,
+                                    int srcDstStep, KroiSize roiSize);
+
+/* pDst = pSrc op value[c] per channel c (one value for C1, three for C3 and AC4,
+ * four for C4); IR in place. C3 and C4 constants whose channels are all equal run as
+ * the one-channel form over rows of 3 or 4 times width samples. */
+KRO_API KroStatus kroiAndC_8u_C1R(const Kro8u* pSrc, int srcStep, Kro8u value, Kro8u* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_8u_C1IR(Kro8u value, Kro8u* pSrcDst, int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_8u_C3R(const Kro8u* pSrc, int srcStep, const Kro8u value[3], Kro8u* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_8u_C3IR(const Kro8u value[3], Kro8u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAndC_8u_C4R(const Kro8u* pSrc, int srcStep, const Kro8u value[4], Kro8u* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_8u_C4IR(const Kro8u value[4], Kro8u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiAndC_8u_AC4R(const Kro8u* pSrc, int srcStep, const Kro8u value[3],
+                                   Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_8u_AC4IR(const Kro8u value[3], Kro8u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiAndC_16u_C1R(const Kro16u* pSrc, int srcStep, Kro16u value, Kro16u* pDst,
+                                   int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_16u_C1IR(Kro16u value, Kro16u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiAndC_16u_C3R(const Kro16u* pSrc, int srcStep, const Kro16u value[3],
+                                   Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_16u_C3IR(const Kro16u value[3], Kro16u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiAndC_16u_C4R(const Kro16u* pSrc, int srcStep, const Kro16u value[4],
+                                   Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_16u_C4IR(const Kro16u value[4], Kro16u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiAndC_16u_AC4R(const Kro16u* pSrc, int srcStep, const Kro16u value[3],
+                                    Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_16u_AC4IR(const Kro16u value[3], Kro16u* pSrcDst, int srcDstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiAndC_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s value, Kro32s* pDst,
+                                   int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_32s_C1IR(Kro32s value, Kro32s* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiAndC_32s_C3R(const Kro32s* pSrc, int srcStep, const Kro32s value[3],
+                                   Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_32s_C3IR(const Kro32s value[3], Kro32s* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiAndC_32s_C4R(const Kro32s* pSrc, int srcStep, const Kro32s value[4],
+                                   Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_32s_C4IR(const Kro32s value[4], Kro32s* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiAndC_32s_AC4R(const Kro32s* pSrc, int srcStep, const Kro32s value[3],
+                                    Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiAndC_32s_AC4IR(const Kro32s value[3], Kro32s* pSrcDst, int srcDstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiOrC_8u_C1R(const Kro8u* pSrc, int srcStep, Kro8u value, Kro8u* pDst,
+                                 int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_8u_C1IR(Kro8u value, Kro8u* pSrcDst, int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_8u_C3R(const Kro8u* pSrc, int srcStep, const Kro8u value[3], Kro8u* pDst,
+                                 int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_8u_C3IR(const Kro8u value[3], Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOrC_8u_C4R(const Kro8u* pSrc, int srcStep, const Kro8u value[4], Kro8u* pDst,
+                                 int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_8u_C4IR(const Kro8u value[4], Kro8u* pSrcDst, int srcDstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiOrC_8u_AC4R(const Kro8u* pSrc, int srcStep, const Kro8u value[3], Kro8u* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_8u_AC4IR(const Kro8u value[3], Kro8u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiOrC_16u_C1R(const Kro16u* pSrc, int srcStep, Kro16u value, Kro16u* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_16u_C1IR(Kro16u value, Kro16u* pSrcDst, int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_16u_C3R(const Kro16u* pSrc, int srcStep, const Kro16u value[3],
+                                  Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_16u_C3IR(const Kro16u value[3], Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiOrC_16u_C4R(const Kro16u* pSrc, int srcStep, const Kro16u value[4],
+                                  Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_16u_C4IR(const Kro16u value[4], Kro16u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiOrC_16u_AC4R(const Kro16u* pSrc, int srcStep, const Kro16u value[3],
+                                   Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_16u_AC4IR(const Kro16u value[3], Kro16u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiOrC_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s value, Kro32s* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_32s_C1IR(Kro32s value, Kro32s* pSrcDst, int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_32s_C3R(const Kro32s* pSrc, int srcStep, const Kro32s value[3],
+                                  Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_32s_C3IR(const Kro32s value[3], Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiOrC_32s_C4R(const Kro32s* pSrc, int srcStep, const Kro32s value[4],
+                                  Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_32s_C4IR(const Kro32s value[4], Kro32s* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiOrC_32s_AC4R(const Kro32s* pSrc, int srcStep, const Kro32s value[3],
+                                   Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiOrC_32s_AC4IR(const Kro32s value[3], Kro32s* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiXorC_8u_C1R(const Kro8u* pSrc, int srcStep, Kro8u value, Kro8u* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_8u_C1IR(Kro8u value, Kro8u* pSrcDst, int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_8u_C3R(const Kro8u* pSrc, int srcStep, const Kro8u value[3], Kro8u* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_8u_C3IR(const Kro8u value[3], Kro8u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXorC_8u_C4R(const Kro8u* pSrc, int srcStep, const Kro8u value[4], Kro8u* pDst,
+                                  int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_8u_C4IR(const Kro8u value[4], Kro8u* pSrcDst, int srcDstStep,
+                                   KroiSize roiSize);
+KRO_API KroStatus kroiXorC_8u_AC4R(const Kro8u* pSrc, int srcStep, const Kro8u value[3],
+                                   Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_8u_AC4IR(const Kro8u value[3], Kro8u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiXorC_16u_C1R(const Kro16u* pSrc, int srcStep, Kro16u value, Kro16u* pDst,
+                                   int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_16u_C1IR(Kro16u value, Kro16u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiXorC_16u_C3R(const Kro16u* pSrc, int srcStep, const Kro16u value[3],
+                                   Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_16u_C3IR(const Kro16u value[3], Kro16u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiXorC_16u_C4R(const Kro16u* pSrc, int srcStep, const Kro16u value[4],
+                                   Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_16u_C4IR(const Kro16u value[4], Kro16u* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiXorC_16u_AC4R(const Kro16u* pSrc, int srcStep, const Kro16u value[3],
+                                    Kro16u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_16u_AC4IR(const Kro16u value[3], Kro16u* pSrcDst, int srcDstStep,
+                                     KroiSize roiSize);
+KRO_API KroStatus kroiXorC_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s value, Kro32s* pDst,
+                                   int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_32s_C1IR(Kro32s value, Kro32s* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiXorC_32s_C3R(const Kro32s* pSrc, int srcStep, const Kro32s value[3],
+                                   Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_32s_C3IR(const Kro32s value[3], Kro32s* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiXorC_32s_C4R(const Kro32s* pSrc, int srcStep, const Kro32s value[4],
+                                   Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_32s_C4IR(const Kro32s value[4], Kro32s* pSrcDst, int srcDstStep,
+                                    KroiSize roiSize);
+KRO_API KroStatus kroiXorC_32s_AC4R(const Kro32s* pSrc, int srcStep, const Kro32s value[3],
+                                    Kro32s* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiXorC_32s_AC4IR(const Kro32s value[3], Kro32s* pSrcDst, int srcDstStep,
+                                     KroiSize roiSize);
+
+/* NOT: XOR with 0xFF through the XorC form of the same layout (same checks); AC4 keeps
+ * alpha. */
+KRO_API KroStatus kroiNot_8u_C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                 KroiSize roiSize);
+KRO_API KroStatus kroiNot_8u_C1IR(Kro8u* pSrcDst, int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiNot_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                 KroiSize roiSize);
+KRO_API KroStatus kroiNot_8u_C3IR(Kro8u* pSrcDst, int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiNot_8u_C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                 KroiSize roiSize);
+KRO_API KroStatus kroiNot_8u_C4IR(Kro8u* pSrcDst, int srcDstStep, KroiSize roiSize);
+KRO_API KroStatus kroiNot_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
+                                  KroiSize roiSize);
+KRO_API KroStatus kroiNot_8u_AC4IR(Kro8u* pSrcDst, int srcDstStep, KroiSize roiSize);
 
 /* ======================================================================== */
 /* Signal copy, set, zero, multiplication and division                      */
