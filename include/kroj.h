@@ -221,6 +221,239 @@ KRO_API KroStatus kroiZigzagInv8x8_16s_C1(const Kro16s* pSrc, Kro16s* pDst);
 /* JPEG colour conversion, sampling and MCU conversion                      */
 /* ======================================================================== */
 
+/* ---- Plane colour conversion (JFIF YCbCr, Adobe-style YCCK) ----
+ * Arguments: source, source step, destination, destination step, roiSize. A planar
+ * side is an array of 3 or 4 plane pointers sharing one step; steps are in bytes.
+ * Checks: any null pointer (array or plane) -> kroStatusNullPointer; srcStep or
+ * dstStep < 1 -> kroStatusBadStep; width < 1, then height < 1 -> kroStatusBadSize.
+ * The 8-bit members split their rows over threads for regions of 8193 samples or
+ * more; the 16-bit packed members run on the calling thread.
+ *
+ * Encoder side, 16 fraction bits, sums unsigned, shifted right by 16:
+ *   Y  = (19595 R + 38470 G + 7471 B + 32768) >> 16
+ *   Cb = (-11059 R - 21709 G + 32768 B + 8421375) >> 16
+ *   Cr = (32768 R - 27439 G - 5329 B + 8421375) >> 16
+ * 8421375 = 128 * 65536 + 32767: the chroma offset plus a rounding term one below
+ * one half, kept for compatibility. CMYK input converts R = 255 - C, G = 255 - M,
+ * B = 255 - Y and passes K through. Packed input: each 5-bit field f reads as
+ * f << 3, the 6-bit green of 565 as f << 2 (no bit replication).
+ * Layouts: RGB555 R bits 0-4, G 5-9, B 10-14 (bit 15 0 on output, ignored on input);
+ * RGB565 R 0-4, G 5-10, B 11-15; the BGR formats swap R and B. */
+KRO_API KroStatus kroiBGR555ToYCbCr_JPEG_16u8u_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                     Kro8u* const pDst[3], int dstStep,
+                                                     KroiSize roiSize);
+KRO_API KroStatus kroiBGR565ToYCbCr_JPEG_16u8u_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                     Kro8u* const pDst[3], int dstStep,
+                                                     KroiSize roiSize);
+KRO_API KroStatus kroiBGRToYCbCr_JPEG_8u_C3P3R(const Kro8u* pSrc, int srcStep,
+                                               Kro8u* const pDst[3], int dstStep,
+                                               KroiSize roiSize);
+KRO_API KroStatus kroiRGB555ToYCbCr_JPEG_16u8u_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                     Kro8u* const pDst[3], int dstStep,
+                                                     KroiSize roiSize);
+KRO_API KroStatus kroiRGB565ToYCbCr_JPEG_16u8u_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                     Kro8u* const pDst[3], int dstStep,
+                                                     KroiSize roiSize);
+KRO_API KroStatus kroiRGBToYCbCr_JPEG_8u_C3P3R(const Kro8u* pSrc, int srcStep,
+                                               Kro8u* const pDst[3], int dstStep,
+                                               KroiSize roiSize);
+KRO_API KroStatus kroiRGBToYCbCr_JPEG_8u_P3R(const Kro8u* const pSrc[3], int srcStep,
+                                             Kro8u* const pDst[3], int dstStep,
+                                             KroiSize roiSize);
+/* C, M, Y, K (planar or interleaved) -> Y, Cb, Cr, K planes. */
+KRO_API KroStatus kroiCMYKToYCCK_JPEG_8u_C4P4R(const Kro8u* pSrc, int srcStep,
+                                               Kro8u* const pDst[4], int dstStep,
+                                               KroiSize roiSize);
+KRO_API KroStatus kroiCMYKToYCCK_JPEG_8u_P4R(const Kro8u* const pSrc[4], int srcStep,
+                                             Kro8u* const pDst[4], int dstStep,
+                                             KroiSize roiSize);
+/* Y alone, as in the full conversion. */
+KRO_API KroStatus kroiBGRToY_JPEG_8u_C3C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst,
+                                           int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiRGBToY_JPEG_8u_C3C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst,
+                                           int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiRGBToY_JPEG_8u_P3C1R(const Kro8u* const pSrc[3], int srcStep,
+                                           Kro8u* pDst, int dstStep, KroiSize roiSize);
+
+/* Decoder side, with d = sample - 128, each result clamped to 0..255:
+ *   R = Y + ((91881 dCr + 32768) >> 16)
+ *   G = Y + ((32768 - 22554 dCb - 46802 dCr) >> 16)
+ *   B = Y + ((116130 dCb + 32768) >> 16)
+ * Packed output drops the low bits of the clamped values (5 or 6 bits kept). YCCK
+ * output stores C = 255 - R, M = 255 - G, Y = 255 - B and copies K. */
+KRO_API KroStatus kroiYCbCrToBGR555_JPEG_8u16u_P3C3R(const Kro8u* const pSrc[3], int srcStep,
+                                                     Kro16u* pDst, int dstStep,
+                                                     KroiSize roiSize);
+KRO_API KroStatus kroiYCbCrToBGR565_JPEG_8u16u_P3C3R(const Kro8u* const pSrc[3], int srcStep,
+                                                     Kro16u* pDst, int dstStep,
+                                                     KroiSize roiSize);
+KRO_API KroStatus kroiYCbCrToBGR_JPEG_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep,
+                                               Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiYCbCrToRGB555_JPEG_8u16u_P3C3R(const Kro8u* const pSrc[3], int srcStep,
+                                                     Kro16u* pDst, int dstStep,
+                                                     KroiSize roiSize);
+KRO_API KroStatus kroiYCbCrToRGB565_JPEG_8u16u_P3C3R(const Kro8u* const pSrc[3], int srcStep,
+                                                     Kro16u* pDst, int dstStep,
+                                                     KroiSize roiSize);
+KRO_API KroStatus kroiYCbCrToRGB_JPEG_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep,
+                                               Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiYCbCrToRGB_JPEG_8u_P3R(const Kro8u* const pSrc[3], int srcStep,
+                                             Kro8u* const pDst[3], int dstStep,
+                                             KroiSize roiSize);
+KRO_API KroStatus kroiYCCKToCMYK_JPEG_8u_P4C4R(const Kro8u* const pSrc[4], int srcStep,
+                                               Kro8u* pDst, int dstStep, KroiSize roiSize);
+KRO_API KroStatus kroiYCCKToCMYK_JPEG_8u_P4R(const Kro8u* const pSrc[4], int srcStep,
+                                             Kro8u* const pDst[4], int dstStep,
+                                             KroiSize roiSize);
+
+/* ---- Chroma down- and up-sampling by two ----
+ * Row functions: one output row from one or two source rows of srcWidth samples.
+ * Checks: any null pointer -> kroStatusNullPointer; srcWidth < 1 -> kroStatusBadSize.
+ * Down (box, ceil(w/2) outputs; an odd w reads the sample after the row):
+ *   H2V1 (s[2j] + s[2j+1] + b) >> 1, b = 0, 1, 0, 1, ... along the row;
+ *   H2V2 (sum of the 2x2 group + b) >> 2, b = 1, 2, 1, 2, ...
+ * Up (triangle, 2w outputs, edge samples replicated): H2V1 weighs the nearer sample
+ * 3/4 and the other 1/4, rounding +1 for even and +2 for odd outputs, and copies
+ * the end samples. H2V2 forms C_i = 3 pSrc1[i] + pSrc2[i] (pSrc1 the nearer row),
+ * then 3/4 : 1/4 horizontally with ends 4 C, over 16, +8 even and +7 odd.
+ * H1V2 computes exactly what H2V2 computes. A width of 1 reads pSrc[1] (H2V1 also
+ * pSrc[-1]) and writes four outputs. */
+KRO_API KroStatus kroiSampleDownRowH2V1_Box_JPEG_8u_C1(const Kro8u* pSrc, int srcWidth,
+                                                       Kro8u* pDst);
+KRO_API KroStatus kroiSampleDownRowH2V2_Box_JPEG_8u_C1(const Kro8u* pSrc1, const Kro8u* pSrc2,
+                                                       int srcWidth, Kro8u* pDst);
+KRO_API KroStatus kroiSampleUpRowH1V2_Triangle_JPEG_8u_C1(const Kro8u* pSrc1, const Kro8u* pSrc2,
+                                                          int srcWidth, Kro8u* pDst);
+KRO_API KroStatus kroiSampleUpRowH2V1_Triangle_JPEG_8u_C1(const Kro8u* pSrc, int srcWidth,
+                                                          Kro8u* pDst);
+KRO_API KroStatus kroiSampleUpRowH2V2_Triangle_JPEG_8u_C1(const Kro8u* pSrc1, const Kro8u* pSrc2,
+                                                          int srcWidth, Kro8u* pDst);
+
+/* Plane functions: the destination size drives the loop, the source size is only
+ * checked. Checks: pSrc null -8; srcStep < 1 -14; srcRoiSize side < 1 -6; pDst null
+ * -8; dstStep < 1 -14; dstRoiSize width < 1, then height < 1, -6. Rows split over
+ * threads for destinations of 8193 samples or more.
+ * Down: H2V1 (a + b + 1) >> 1; H2V2 (sum of the 2x2 group + 3) >> 2.
+ * Up: the row filters without edge replication: every destination row reads one
+ * sample left and right of the source region, and H2V2 reads the source row above
+ * the region (for the first destination row) and below it (for the last). The
+ * caller supplies that one-sample border. */
+KRO_API KroStatus kroiSampleDownH2V1_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep,
+                                                 KroiSize srcRoiSize, Kro8u* pDst, int dstStep,
+                                                 KroiSize dstRoiSize);
+KRO_API KroStatus kroiSampleDownH2V2_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep,
+                                                 KroiSize srcRoiSize, Kro8u* pDst, int dstStep,
+                                                 KroiSize dstRoiSize);
+KRO_API KroStatus kroiSampleUpH2V1_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep,
+                                               KroiSize srcRoiSize, Kro8u* pDst, int dstStep,
+                                               KroiSize dstRoiSize);
+KRO_API KroStatus kroiSampleUpH2V2_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep,
+                                               KroiSize srcRoiSize, Kro8u* pDst, int dstStep,
+                                               KroiSize dstRoiSize);
+
+/* ---- MCU conversion, encoder side ----
+ * One MCU of interleaved pixels at pSrc (row step srcStep bytes) -> level-shifted
+ * 8x8 blocks of Kro16s, natural order, one buffer per component. Geometries: 444
+ * 8x8 (one block per component); 422 16x8 (luminance blocks left, right at 0, 64);
+ * 411 16x16 (luminance blocks at 0, 64, 128, 192: top-left, top-right, bottom-left,
+ * bottom-right). Chroma is one block combining 1, 2 or 4 pixels; the K of YCCK is
+ * full resolution, laid out like the luminance.
+ * Checks: pSrc or pDstMCU null -8; srcStep < 1 -14; each component buffer null -8.
+ * Arithmetic truncates (no rounding terms): Y' = ((19595 R + 38470 G + 7471 B) >> 16)
+ * - 128; Cb' = (-11059 R - 21709 G + 32768 B) >> s and Cr' = (32768 R - 27439 G -
+ * 5329 B) >> s over the sums of the group's R, G, B, s = 16, 17, 18 for groups of
+ * 1, 2, 4 pixels. CMYK complements C, M, Y first; K' = K - 128. The SampleDown and
+ * Split members convert nothing: the floor of the group mean minus 128.
+ * Split422 reads rows of 32 bytes Y0 Cb Y1 Cr. */
+KRO_API KroStatus kroiBGR555ToYCbCr411LS_MCU_16u16s_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                          Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiBGR555ToYCbCr422LS_MCU_16u16s_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                          Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiBGR555ToYCbCr444LS_MCU_16u16s_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                          Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiBGR565ToYCbCr411LS_MCU_16u16s_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                          Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiBGR565ToYCbCr422LS_MCU_16u16s_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                          Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiBGR565ToYCbCr444LS_MCU_16u16s_C3P3R(const Kro16u* pSrc, int srcStep,
+                                                          Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiBGRToYCbCr411LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiBGRToYCbCr422LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiBGRToYCbCr444LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiCMYKToYCCK411LS_MCU_8u16s_C4P4R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[4]);
+KRO_API KroStatus kroiCMYKToYCCK422LS_MCU_8u16s_C4P4R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[4]);
+KRO_API KroStatus kroiCMYKToYCCK444LS_MCU_8u16s_C4P4R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[4]);
+KRO_API KroStatus kroiRGBToYCbCr411LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiRGBToYCbCr422LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiRGBToYCbCr444LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiSampleDown411LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiSampleDown422LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiSampleDown444LS_MCU_8u16s_C3P3R(const Kro8u* pSrc, int srcStep,
+                                                      Kro16s* pDstMCU[3]);
+KRO_API KroStatus kroiSplit422LS_MCU_8u16s_C2P3R(const Kro8u* pSrc, int srcStep,
+                                                 Kro16s* pDstMCU[3]);
+
+/* ---- MCU conversion, decoder side ----
+ * The blocks of one MCU (geometries and layout as on the encoder side; chroma
+ * replicated over its 1, 2 or 4 pixels) -> interleaved pixels at pDst, row step
+ * dstStep bytes. Checks: pSrcMCU or pDst null -8; each component block null -8;
+ * dstStep < 1 -14 (the step after the blocks, unlike the encoder side).
+ * Arithmetic on the signed samples, 32-bit wrapping products, truncating, clamped:
+ *   R = y + ((91881 cr) >> 16) + 128, G = y + ((-22554 cb - 46802 cr) >> 16) + 128,
+ *   B = y + ((116130 cb) >> 16) + 128.
+ * YCCK: C, M, Y are the complements of the clamped R, G, B; K = (k + 128) mod 256,
+ * deliberately not clamped. SampleUp and Join: clamp(v + 128); Join422 writes rows
+ * of 32 bytes Y0 Cb Y1 Cr. */
+KRO_API KroStatus kroiJoin422LS_MCU_16s8u_P3C2R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                int dstStep);
+KRO_API KroStatus kroiSampleUp411LS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                    int dstStep);
+KRO_API KroStatus kroiSampleUp422LS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                    int dstStep);
+KRO_API KroStatus kroiSampleUp444LS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                    int dstStep);
+KRO_API KroStatus kroiYCCK411ToCMYKLS_MCU_16s8u_P4C4R(const Kro16s* pSrcMCU[4], Kro8u* pDst,
+                                                      int dstStep);
+KRO_API KroStatus kroiYCCK422ToCMYKLS_MCU_16s8u_P4C4R(const Kro16s* pSrcMCU[4], Kro8u* pDst,
+                                                      int dstStep);
+KRO_API KroStatus kroiYCCK444ToCMYKLS_MCU_16s8u_P4C4R(const Kro16s* pSrcMCU[4], Kro8u* pDst,
+                                                      int dstStep);
+KRO_API KroStatus kroiYCbCr411ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
+                                                          Kro16u* pDst, int dstStep);
+KRO_API KroStatus kroiYCbCr411ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
+                                                          Kro16u* pDst, int dstStep);
+KRO_API KroStatus kroiYCbCr411ToBGRLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                      int dstStep);
+KRO_API KroStatus kroiYCbCr411ToRGBLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                      int dstStep);
+KRO_API KroStatus kroiYCbCr422ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
+                                                          Kro16u* pDst, int dstStep);
+KRO_API KroStatus kroiYCbCr422ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
+                                                          Kro16u* pDst, int dstStep);
+KRO_API KroStatus kroiYCbCr422ToBGRLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                      int dstStep);
+KRO_API KroStatus kroiYCbCr422ToRGBLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                      int dstStep);
+KRO_API KroStatus kroiYCbCr444ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
+                                                          Kro16u* pDst, int dstStep);
+KRO_API KroStatus kroiYCbCr444ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
+                                                          Kro16u* pDst, int dstStep);
+KRO_API KroStatus kroiYCbCr444ToBGRLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                      int dstStep);
+KRO_API KroStatus kroiYCbCr444ToRGBLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
+                                                      int dstStep);
+
 /* ======================================================================== */
 /* JPEG 2000 component transforms and wavelet transforms                    */
 /* ======================================================================== */
