@@ -14,6 +14,11 @@ namespace kro {
 
 // ---- Quantisation, DCT and zig-zag ----
 
+// T.81 figure A.6. zigzag_index_Fwd[k]: zig-zag position of natural index k;
+// zigzag_index_Inv[i]: natural index at zig-zag position i.
+extern const int32_t zigzag_index_Fwd[64];
+extern const int32_t zigzag_index_Inv[64];
+
 // ---- Colour conversion and sampling ----
 
 // YCbCr -> RGB, indexed by an 8-bit chroma sample c with d = c - 128 (T.871 7):
