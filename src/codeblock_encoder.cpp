@@ -1,0 +1,440 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Code-block encoder (T.800 Annex D): loading runs every coding pass and records the
+// binary decisions with their contexts; the bytes are MQ- or raw-coded lazily while the
+// caller drains them, pass by pass, with the rate, distortion and segment bookkeeping a
+// rate allocator needs.
+#include <limits.h>
+#include <string.h>
+
+#include <cmath>
+
+#include "codeblock_impl.h"
+#include "kro_checks.h"
+#include "mq_coder.h"
+
+namespace kro::enc {
+
+inline constexpr int kMaxPasses = 109;
+inline constexpr Kro32u kEncodeId = 0x4c4d5344u;  // "DSML"
+// Decision bytes reserved per column of four rows: 31 planes of at most 10 decisions each
+// plus the segmentation symbols, with ample room.
+inline constexpr int64_t kDecisionsPerColumn = 1090;
+
+// Per-block coding and delivery bookkeeping.
+struct Book {
+  MqEncoder mq;
+  Kro32s term_type;
+  Kro32s pass;        // pass being delivered
+  Kro32s cursor;      // next recorded decision to code
+  Kro32s pass_end;    // end of the current pass's decisions
+  Kro32s terminated;  // the current segment's termination has run
+  Kro32s delivered;   // bytes handed to the caller since loading
+  Kro32s pass_start;  // value of delivered when the current pass started
+  Kro32s n_passes;
+  Kro32s n_segments;
+  Kro32s pass_ndec[kMaxPasses];
+  Kro32s pass_len[kMaxPasses];
+  Kro8u pass_raw[kMaxPasses];
+  Kro32u rate[kMaxPasses];
+  Kro32s total_dec;
+  Kro32s reset_ctx;
+  Kro32s term_all;
+};
+
+}  // namespace kro::enc
+
+struct KroiEncodeState_JPEG2K {
+  Kro32u id;
+  kro::enc::Book* book;
+  Kro32s dist_mant[kro::enc::kMaxPasses];
+  Kro32s dist_exp[kro::enc::kMaxPasses];
+  Kro32s cur_exp;
+  Kro32s pass_index;
+  Kro32s flags;
+  uint32_t* nbh;
+  Kro8u* decisions;  // per decision: context << 1 | bit
+  int64_t decision_bytes;
+  int64_t nbh_bytes;
+};
+
+namespace kro::enc {
+
+namespace {
+
+using namespace t1;
+using State = KroiEncodeState_JPEG2K;
+
+// Encoder side of the pass scans: each decision is the coefficient's own bit, recorded
+// with its context; newly significant and refined coefficients add their distortion
+// reduction to the pass.
+struct PassRecorder {
+  const Kro32s* src;
+  int step;
+  int p;
+  bool raw;
+  Kro8u* out;
+  Kro32s n;
+  Kro32s dist;
+  const Kro32s* fs;
+  const Kro32s* fm;
+
+  uint32_t Value(int x, int y) const { return static_cast<uint32_t>(RowPtr(src, step, y)[x]); }
+  uint32_t Mag(int x, int y) const { return Value(x, y) & 0x7FFFFFFFu; }
+  void Put(int ctx, uint32_t bit) { out[n++] = static_cast<Kro8u>((ctx << 1) | static_cast<int>(bit)); }
+  // Six (Fs) or seven (Fm) magnitude bits from plane p down; missing planes below 0 read 0.
+  uint32_t Index(uint32_t m, uint32_t mask) const {
+    return (p >= 6 ? m >> (p - 6) : m << (6 - p)) & mask;
+  }
+
+  int Bit(int ctx, int x, int y) {
+    const uint32_t b = (Mag(x, y) >> p) & 1u;
+    Put(raw ? 0 : ctx, b);
+    return static_cast<int>(b);
+  }
+  uint32_t Sign(uint32_t lut, int x, int y) {
+    const uint32_t s = Value(x, y) >> 31;
+    if (raw) Put(0, s);
+    else Put(static_cast<int>(lut & 0xFF), s ^ (lut >> 31));
+    return s;
+  }
+  void Significant(int x, int y, uint32_t) { dist = AddWrap32(dist, fs[Index(Mag(x, y), 63)]); }
+  void Refine(int ctx, int x, int y) {
+    const uint32_t m = Mag(x, y);
+    Put(raw ? 0 : ctx, (m >> p) & 1u);
+    dist = AddWrap32(dist, fm[Index(m, 127)]);
+  }
+  int RunLength(int x, int y0) {
+    uint32_t any = 0;
+    for (int r = 0; r < 4; ++r) any |= Mag(x, y0 + r) >> p;
+    any &= 1u;
+    Put(kCtxRunLength, any);
+    return static_cast<int>(any);
+  }
+  int RunPosition(int x, int y0) {
+    int r = 0;
+    while (!((Mag(x, y0 + r) >> p) & 1u)) ++r;
+    Put(kCtxUniform, static_cast<uint32_t>(r >> 1));
+    Put(kCtxUniform, static_cast<uint32_t>(r & 1));
+    return r;
+  }
+};
+
+enum class PassType { kPropagation, kRefinement, kCleanup };
+
+struct Coding {
+  State* st;
+  Book* bk;
+  Nbh nbh;
+  const Kro32u* zc;
+  const Kro32s* src;
+  int step;
+  int p_low;
+  bool lossless;
+  bool seg_sym;
+};
+
+// Runs one pass at plane p and records its decisions, raw flag and distortion.
+void RunPass(Coding& c, PassType type, int p, bool raw) {
+  Book& bk = *c.bk;
+  const bool exact = c.lossless && p == c.p_low;
+  PassRecorder rec{c.src,   c.step, p, raw, c.st->decisions, bk.total_dec, 0,
+                   exact ? FsLossless_LUT.data() : FsLossy_LUT.data(),
+                   exact ? FmLossless_LUT.data() : FmLossy_LUT.data()};
+  if (type == PassType::kPropagation) {
+    SignificancePropagationScan(c.nbh, c.zc, rec);
+  } else if (type == PassType::kRefinement) {
+    MagnitudeRefinementScan(c.nbh, rec);
+  } else {
+    CleanupScan(c.nbh, c.zc, rec);
+    if (c.seg_sym) {
+      for (uint32_t bit : {1u, 0u, 1u, 0u}) rec.Put(kCtxUniform, bit);
+    }
+  }
+  const int k = bk.n_passes++;
+  bk.pass_ndec[k] = rec.n - bk.total_dec;
+  bk.pass_raw[k] = raw ? 1 : 0;
+  bk.total_dec = rec.n;
+  c.st->dist_mant[k] = rec.dist;
+  c.st->dist_exp[k] = c.st->cur_exp;
+  c.st->pass_index = bk.n_passes;
+}
+
+bool SegmentEndsAt(const Book& bk, int k) {
+  return bk.term_all || k == bk.n_passes - 1 || bk.pass_raw[k] != bk.pass_raw[k + 1];
+}
+
+// Coder reset at the start of a code-block: registers, queue, contexts, counts.
+void encBufReset(Book& bk, int flags, int term_type) {
+  memset(&bk, 0, sizeof(bk));
+  bk.term_type = term_type;
+  bk.reset_ctx = (flags & kFlagReset) != 0;
+  bk.term_all = (flags & kFlagTermAll) != 0;
+  MqEncoderStartSegment(bk.mq, false, term_type == kroMQTermMinimal);
+  MqResetContexts(bk.mq.ctx);
+}
+
+// Hands queued bytes to the caller; the dummy first byte of an MQ segment is dropped.
+int Deliver(Book& bk, Kro8u* dst, int room) {
+  MqEncoder& e = bk.mq;
+  if (e.skip_first && e.qw > e.qr) {
+    ++e.qr;
+    e.skip_first = 0;
+  }
+  int n = MqDeliverable(e);
+  if (n > room) n = room;
+  if (n > 0) memcpy(dst, e.queue + e.qr, static_cast<size_t>(n));
+  e.qr += n;
+  bk.delivered += n;
+  return n;
+}
+
+// Rate of the pass just delivered: bytes so far plus what the coder still holds. For an
+// unterminated MQ pass that is B and the register bits: 4 bytes, 5 once the register
+// holds more than 22 bits (23 when B is below 254), one less while B is still the
+// dummy, plus any bytes held back in the queue. A raw pass holds at most a partial
+// byte. After an exact rate, earlier estimates above it are lowered to it.
+void encBufRateCalc(Book& bk, bool segment_end) {
+  const int k = bk.pass;
+  const MqEncoder& e = bk.mq;
+  int est = 0;
+  if (!segment_end) {
+    if (bk.pass_raw[k]) {
+      est = e.raw_pos != (e.raw_last_ff ? 6 : 7) ? 1 : 0;
+    } else {
+      const int bits = 27 - static_cast<int>(e.ct);
+      est = bits > (e.b >= 254 ? 22 : 23) ? 5 : 4;
+      if (e.produced == 0) --est;
+      est += e.qw - e.qr;
+    }
+  }
+  bk.rate[k] = static_cast<Kro32u>(bk.delivered + est);
+  if (est == 0) {
+    for (int j = k - 1; j >= 0 && bk.rate[j] > bk.rate[k]; --j) bk.rate[j] = bk.rate[k];
+  }
+}
+
+void EndPass(Book& bk) {
+  const int k = bk.pass;
+  const bool segment_end = SegmentEndsAt(bk, k);
+  bk.pass_len[k] = bk.delivered - bk.pass_start;
+  encBufRateCalc(bk, segment_end);
+  bk.pass_start = bk.delivered;
+  bk.pass = k + 1;
+  if (bk.pass >= bk.n_passes) return;
+  if (segment_end) {
+    MqEncoderStartSegment(bk.mq, bk.pass_raw[k + 1] != 0, bk.term_type == kroMQTermMinimal);
+  }
+  if (bk.reset_ctx) MqResetContexts(bk.mq.ctx);
+  bk.pass_end += bk.pass_ndec[k + 1];
+  bk.terminated = 0;
+}
+
+// The deferred coder: codes recorded decisions only while the caller wants bytes, ends
+// segments with their termination and passes with their bookkeeping. The bytes, pass
+// lengths and rates do not depend on how the caller splits its requests.
+int decEncoderMQEncodeAndTerminate(Book& bk, const Kro8u* decisions, Kro8u* dst, int want) {
+  int out = 0;
+  while (bk.pass < bk.n_passes) {
+    out += Deliver(bk, dst + out, want - out);
+    if (bk.cursor < bk.pass_end) {
+      if (out == want) break;
+      MqEncoder& e = bk.mq;
+      if (e.qr == e.qw) e.qr = e.qw = 0;
+      const Kro8u d = decisions[bk.cursor++];
+      if (bk.pass_raw[bk.pass]) RawPutBit(e, d & 1);
+      else mqEncode(e, d & 1, d >> 1);
+      continue;
+    }
+    if (!bk.terminated && SegmentEndsAt(bk, bk.pass)) {
+      if (bk.pass_raw[bk.pass]) RawTerminate(bk.mq);
+      else MqTerminate(bk.mq, bk.term_type);
+      bk.terminated = 1;
+      continue;
+    }
+    if (MqDeliverable(bk.mq) > 0) break;  // the caller's buffer is full
+    EndPass(bk);
+  }
+  return out;
+}
+
+bool BadId(const State* s) { return s->id != kEncodeId; }
+
+bool BadPass(const State* s, int n) { return n < 0 || n >= s->book->n_passes; }
+
+}  // namespace
+
+}  // namespace kro::enc
+
+using namespace kro;
+using enc::State;
+
+KRO_EXPORT KroStatus kroiEncodeInitAlloc_JPEG2K(KroiEncodeState_JPEG2K** ppState,
+                                               KroiSize maxCodeBlockSize) {
+  if (ppState == nullptr) return kroStatusNullPointer;
+  if (BadSize(maxCodeBlockSize)) return kroStatusBadSize;
+  *ppState = nullptr;
+  const int64_t columns = int64_t{maxCodeBlockSize.width} * ((int64_t{maxCodeBlockSize.height} + 3) / 4);
+  const int64_t decision_bytes = enc::kDecisionsPerColumn * columns;
+  const int64_t nbh_bytes = t1::NbhBytes(maxCodeBlockSize.width, maxCodeBlockSize.height);
+  if (decision_bytes > INT_MAX || nbh_bytes > INT_MAX) return kroStatusNoMemory;
+
+  auto* s = reinterpret_cast<State*>(krosMalloc_8u(static_cast<int>(sizeof(State))));
+  auto* book = reinterpret_cast<enc::Book*>(krosMalloc_8u(static_cast<int>(sizeof(enc::Book))));
+  Kro8u* decisions = krosMalloc_8u(static_cast<int>(decision_bytes));
+  auto* nbh = reinterpret_cast<uint32_t*>(krosMalloc_8u(static_cast<int>(nbh_bytes)));
+  if (s == nullptr || book == nullptr || decisions == nullptr || nbh == nullptr) {
+    krosFree(nbh);
+    krosFree(decisions);
+    krosFree(book);
+    krosFree(s);
+    return kroStatusNoMemory;
+  }
+  memset(s, 0, sizeof(State));
+  memset(book, 0, sizeof(enc::Book));
+  s->book = book;
+  s->decisions = decisions;
+  s->decision_bytes = decision_bytes;
+  s->nbh = nbh;
+  s->nbh_bytes = nbh_bytes;
+  s->id = enc::kEncodeId;
+  *ppState = s;
+  return kroStatusOk;
+}
+
+KRO_EXPORT KroStatus kroiEncodeFree_JPEG2K(KroiEncodeState_JPEG2K* pState) {
+  if (pState == nullptr) return kroStatusNullPointer;
+  krosFree(pState->nbh);
+  krosFree(pState->decisions);
+  krosFree(pState->book);
+  krosFree(pState);
+  return kroStatusOk;
+}
+
+KRO_EXPORT KroStatus kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
+    const Kro32s* pSrc, int srcStep, KroiSize codeBlockSize, KroiEncodeState_JPEG2K* pState,
+    int subband, int magnitudeBits, int termType, int reserved, int codeStyleFlags, int* pSfBits,
+    int* pNOfPasses, int* pNOfTermPasses) {
+  if (pState == nullptr) return kroStatusNullPointer;
+  if (enc::BadId(pState)) return kroStatusContextMismatch;
+  if (AnyNull(pSfBits, pNOfPasses, pNOfTermPasses)) return kroStatusNullPointer;
+  if (BadSize(codeBlockSize)) return kroStatusBadSize;
+  if (pSrc == nullptr) return kroStatusNullPointer;
+  if (BadStep(srcStep)) return kroStatusBadStep;
+  // A block beyond the size the state was made for would overrun its buffers.
+  const int w = codeBlockSize.width;
+  const int h = codeBlockSize.height;
+  if (enc::kDecisionsPerColumn * w * ((int64_t{h} + 3) / 4) > pState->decision_bytes ||
+      t1::NbhBytes(w, h) > pState->nbh_bytes) {
+    return kroStatusBadSize;
+  }
+
+  State& s = *pState;
+  enc::Book& bk = *s.book;
+  memset(s.nbh, 0, static_cast<size_t>(t1::NbhBytes(w, h)));  // sfInit
+  enc::encBufReset(bk, codeStyleFlags, termType);
+  s.flags = codeStyleFlags;
+
+  uint32_t max_mag = 0;
+  for (int y = 0; y < h; ++y) {
+    const Kro32s* row = RowPtr(pSrc, srcStep, y);
+    for (int x = 0; x < w; ++x) max_mag |= static_cast<uint32_t>(row[x]) & 0x7FFFFFFFu;
+  }
+  int sf_bits = 0;
+  while (sf_bits < 31 && (max_mag >> sf_bits) != 0) ++sf_bits;
+  *pSfBits = sf_bits;
+
+  // Magnitudes arrive left-aligned: a band with magnitudeBits planes uses bits 30 down
+  // to 31 - magnitudeBits, the lowest plane coded.
+  const int64_t p_low_wide = 31 - int64_t{magnitudeBits};
+  const int p_low = p_low_wide < 0 ? 0 : (p_low_wide > 31 ? 31 : static_cast<int>(p_low_wide));
+  const int top = sf_bits - 1;
+  s.cur_exp = 2 * (top - p_low) - 13;
+  s.pass_index = 0;
+
+  enc::Coding c{&s, &bk, t1::MakeNbh(s.nbh, w, h, (codeStyleFlags & t1::kFlagCausal) != 0),
+                t1::ZeroCodingTable(subband), pSrc, srcStep, p_low,
+                (codeStyleFlags & t1::kFlagLossless) != 0, (codeStyleFlags & t1::kFlagSegSym) != 0};
+  if (top >= p_low) {
+    enc::RunPass(c, enc::PassType::kCleanup, top, false);
+    s.cur_exp -= 2;
+    for (int p = top - 1; p >= p_low; --p) {
+      const bool raw = (codeStyleFlags & t1::kFlagBypass) && p < sf_bits - 4;
+      enc::RunPass(c, enc::PassType::kPropagation, p, raw);
+      enc::RunPass(c, enc::PassType::kRefinement, p, raw);
+      enc::RunPass(c, enc::PassType::kCleanup, p, false);
+      s.cur_exp -= 2;
+    }
+  }
+
+  int segments = 0;
+  for (int k = 0; k < bk.n_passes; ++k) segments += enc::SegmentEndsAt(bk, k) ? 1 : 0;
+  bk.n_segments = segments;
+  *pNOfPasses = bk.n_passes;
+  *pNOfTermPasses = segments;
+  bk.pass_end = bk.n_passes > 0 ? bk.pass_ndec[0] : 0;
+  return kroStatusOk;
+}
+
+KRO_EXPORT KroStatus kroiEncodeStoreBits_JPEG2K_1u(Kro8u* pDst, int* pDstLen,
+                                                  KroiEncodeState_JPEG2K* pState,
+                                                  int* pIsNotFinish) {
+  if (pState == nullptr) return kroStatusNullPointer;
+  if (enc::BadId(pState)) return kroStatusContextMismatch;
+  if (AnyNull(pDst, pDstLen, pIsNotFinish)) return kroStatusNullPointer;
+  if (*pDstLen < 1) return kroStatusBadArgument;
+  enc::Book& bk = *pState->book;
+  *pDstLen = enc::decEncoderMQEncodeAndTerminate(bk, pState->decisions, pDst, *pDstLen);
+  *pIsNotFinish = bk.pass < bk.n_passes ? 1 : 0;
+  return kroStatusOk;
+}
+
+KRO_EXPORT KroStatus kroiEncodeGetRate_JPEG2K(const KroiEncodeState_JPEG2K* pState, int nPass,
+                                             int* pRate) {
+  if (pState == nullptr) return kroStatusNullPointer;
+  if (enc::BadId(pState)) return kroStatusContextMismatch;
+  if (pRate == nullptr) return kroStatusNullPointer;
+  if (enc::BadPass(pState, nPass)) return kroStatusJPEG2KBadPassNumber;
+  *pRate = static_cast<int>(pState->book->rate[nPass]);
+  return kroStatusOk;
+}
+
+KRO_EXPORT KroStatus kroiEncodeGetDistReduction_JPEG2K(const KroiEncodeState_JPEG2K* pState,
+                                                      int nPass, int* pMantissa, int* pExponent) {
+  if (pState == nullptr) return kroStatusNullPointer;
+  if (enc::BadId(pState)) return kroStatusContextMismatch;
+  if (AnyNull(pMantissa, pExponent)) return kroStatusNullPointer;
+  if (enc::BadPass(pState, nPass)) return kroStatusJPEG2KBadPassNumber;
+  *pMantissa = pState->dist_mant[nPass];
+  *pExponent = pState->dist_exp[nPass];
+  return kroStatusOk;
+}
+
+KRO_EXPORT KroStatus kroiEncodeGetDist_JPEG2K(const KroiEncodeState_JPEG2K* pState, int nPass,
+                                             double* pDist) {
+  if (pState == nullptr) return kroStatusNullPointer;
+  if (enc::BadId(pState)) return kroStatusContextMismatch;
+  if (pDist == nullptr) return kroStatusNullPointer;
+  if (enc::BadPass(pState, nPass)) return kroStatusJPEG2KBadPassNumber;
+  // 2^e is exact in double for every exponent a block can produce (-13 up to 47).
+  double dist = 0.0;
+  for (int k = 0; k <= nPass; ++k) dist += std::ldexp(static_cast<double>(pState->dist_mant[k]), pState->dist_exp[k]);
+  *pDist = dist;
+  return kroStatusOk;
+}
+
+KRO_EXPORT KroStatus kroiEncodeGetTermPassLen_JPEG2K(const KroiEncodeState_JPEG2K* pState,
+                                                    int nTermPass, int* pLength) {
+  if (pState == nullptr) return kroStatusNullPointer;
+  if (enc::BadId(pState)) return kroStatusContextMismatch;
+  if (pLength == nullptr) return kroStatusNullPointer;
+  const enc::Book& bk = *pState->book;
+  if (nTermPass < 0 || nTermPass >= bk.n_segments) return kroStatusJPEG2KBadPassNumber;
+  int segment = 0;
+  int length = 0;
+  for (int k = 0; k < bk.n_passes && segment <= nTermPass; ++k) {
+    if (segment == nTermPass) length += bk.pass_len[k];
+    if (enc::SegmentEndsAt(bk, k)) ++segment;
+  }
+  *pLength = length;
+  return kroStatusOk;
+}
