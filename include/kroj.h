@@ -701,6 +701,111 @@ KRO_API KroStatus kroiWTInvColStep_D97_JPEG2K_32f_C1(const Kro32f* pSrcLow, cons
 /* ======================================================================== */
 /* JPEG 2000 tier-1 code-block coding                                       */
 /* ======================================================================== */
+/* Code-block coefficients are 32-bit sign-magnitude words (bit 31 the sign, bits 30..0
+ * the magnitude). Encoder input is left-aligned: a sub-band with Mb magnitude bit-planes
+ * uses bits 30 down to 31 - Mb (pass magnitudeBits = Mb; the code-stream's count of
+ * missing bit-planes is then 31 - *pSfBits). Decoder output is right-aligned: sfBits
+ * planes in bits sfBits - 1 down to 0.
+ *
+ * Sub-band codes: 0 LL, 1 LH, 2 HL, 3 HH (other values: as LL).
+ * Code-style flags (not the code-stream's bits; callers translate):
+ *   1 vertically causal contexts        2 selective arithmetic-coding bypass
+ *   4 terminate every pass              8 reset contexts after every pass
+ *   16 segmentation symbols             32 reversible coding: the encoder's last
+ *                                          plane uses the lossless distortion tables
+ *   decoder only: 65536 conceal errors, 131072 keep the destination on attach,
+ *   262144 keep the reconstruction bits below the last decoded plane, 524288 keep the
+ *   neighbourhood states on attach, 1048576 check predictable termination. */
+
+/* MQ segment termination (termType of the encoder). */
+typedef enum {
+  kroMQTermFlush = 0,      /* T.800 C.2.9 flush; other values act as this */
+  kroMQTermMinimal = 1,    /* shortest string that decodes to the same decisions */
+  kroMQTermPredictable = 2 /* T.800 D.4.2, checkable by the decoder */
+} KroMQTermType;
+
+typedef struct KroiEncodeState_JPEG2K KroiEncodeState_JPEG2K;
+typedef struct KroiDecodeCBProgrState_JPEG2K KroiDecodeCBProgrState_JPEG2K;
+
+/* Encoder state for code-blocks up to maxCodeBlockSize. -8 null ppState, -6 bad size,
+ * -9 allocation failure (*ppState set to null). */
+KRO_API KroStatus kroiEncodeInitAlloc_JPEG2K(KroiEncodeState_JPEG2K** ppState,
+                                             KroiSize maxCodeBlockSize);
+/* Releases the state; -8 for null. The identification is not tested. */
+KRO_API KroStatus kroiEncodeFree_JPEG2K(KroiEncodeState_JPEG2K* pState);
+/* Runs every coding pass of one code-block and records its decisions. Outputs the
+ * number of significant bit-planes, of coding passes and of terminated segments.
+ * Checks: -8 pState; -17 identification; -8 pSfBits, pNOfPasses, pNOfTermPasses;
+ * -6 size (also a block larger than the state was made for); -8 pSrc; -14 srcStep.
+ * termType: KroMQTermType. reserved is not read. */
+KRO_API KroStatus kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
+    const Kro32s* pSrc, int srcStep, KroiSize codeBlockSize, KroiEncodeState_JPEG2K* pState,
+    int subband, int magnitudeBits, int termType, int reserved, int codeStyleFlags, int* pSfBits,
+    int* pNOfPasses, int* pNOfTermPasses);
+/* Delivers up to *pDstLen coded bytes (all segments back to back); *pDstLen becomes the
+ * count delivered and *pIsNotFinish 1 while bytes remain. The bytes do not depend on
+ * how the requests are split. Checks: -8 pState; -17; -8 pDst, pDstLen, pIsNotFinish;
+ * -5 *pDstLen below 1. */
+KRO_API KroStatus kroiEncodeStoreBits_JPEG2K_1u(Kro8u* pDst, int* pDstLen,
+                                                KroiEncodeState_JPEG2K* pState,
+                                                int* pIsNotFinish);
+
+/* Rate-control queries. Checks: -8 pState; -17 identification; -8 result pointer(s);
+ * -113 pass number negative or not below the number of passes (segment number not
+ * below the number of segments). Rates and segment lengths are final once all bytes
+ * are delivered; rates are non-decreasing and include an estimate of the bytes an
+ * unterminated pass still needs. Distortion reduction of a pass = mantissa * 2^exponent
+ * in squared units of the lowest coded bit-plane. */
+KRO_API KroStatus kroiEncodeGetRate_JPEG2K(const KroiEncodeState_JPEG2K* pState, int nPass,
+                                           int* pRate);
+KRO_API KroStatus kroiEncodeGetDistReduction_JPEG2K(const KroiEncodeState_JPEG2K* pState,
+                                                    int nPass, int* pMantissa, int* pExponent);
+/* Sum of the reductions of passes 0..nPass. */
+KRO_API KroStatus kroiEncodeGetDist_JPEG2K(const KroiEncodeState_JPEG2K* pState, int nPass,
+                                           double* pDist);
+KRO_API KroStatus kroiEncodeGetTermPassLen_JPEG2K(const KroiEncodeState_JPEG2K* pState,
+                                                  int nTermPass, int* pLength);
+
+/* One-call decoder: nOfTermPasses segments of pTermLen[i] bytes back to back at pSrc,
+ * nOfPasses coding passes. pState: a buffer of kroiDecodeGetBufSize_JPEG2K bytes.
+ * Returns the status of the last step: -112 when corrupt data was detected (then
+ * *pErrorBitPlane, if given, receives the bit-plane). Checks: -8 pSrc, pState; -6 size;
+ * -8 pTermLen, pDst; -14 dstStep. */
+KRO_API KroStatus kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
+    const Kro8u* pSrc, Kro32s* pDst, int dstStep, KroiSize codeBlockSize, int subband, int sfBits,
+    int nOfPasses, const int* pTermLen, int nOfTermPasses, int codeStyleFlags, int* pErrorBitPlane,
+    KroiDecodeCBProgrState_JPEG2K* pState);
+/* State size for code-blocks up to codeBlockSize: -6 bad size, -8 null pSize. */
+KRO_API KroStatus kroiDecodeGetBufSize_JPEG2K(KroiSize codeBlockSize, int* pSize);
+
+/* Step-wise decoder. Init -> Attach -> SetPassCounter -> Step per segment. */
+KRO_API KroStatus kroiDecodeCBProgrGetStateSize_JPEG2K(KroiSize codeBlockSize, int* pSize);
+/* -8 for null; prepares caller memory of the reported size. */
+KRO_API KroStatus kroiDecodeCBProgrInit_JPEG2K(KroiDecodeCBProgrState_JPEG2K* pState);
+/* -8 null ppState, -6 bad size, -9 allocation failure. */
+KRO_API KroStatus kroiDecodeCBProgrInitAlloc_JPEG2K(KroiDecodeCBProgrState_JPEG2K** ppState,
+                                                    KroiSize codeBlockSize);
+/* -8 null, -17 identification. */
+KRO_API KroStatus kroiDecodeCBProgrFree_JPEG2K(KroiDecodeCBProgrState_JPEG2K* pState);
+/* Attaches an output block of sfBits magnitude bit-planes. Checks: -8 pState; -17;
+ * -8 pDst; -14 dstStep; -6 size. Zeroes the block unless flag 131072. */
+KRO_API KroStatus kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(Kro32s* pDst, int dstStep,
+                                                         KroiSize codeBlockSize,
+                                                         KroiDecodeCBProgrState_JPEG2K* pState,
+                                                         int subband, int sfBits,
+                                                         int codeStyleFlags);
+/* Sets / reads the number of passes still to decode; -8, -17. */
+KRO_API KroStatus kroiDecodeCBProgrSetPassCounter_JPEG2K(int nOfPasses,
+                                                         KroiDecodeCBProgrState_JPEG2K* pState);
+KRO_API KroStatus kroiDecodeCBProgrGetPassCounter_JPEG2K(
+    const KroiDecodeCBProgrState_JPEG2K* pState, int* pNOfPasses);
+/* The bit-plane being decoded; -8 pState, -17, -8 pBitPlane. */
+KRO_API KroStatus kroiDecodeCBProgrGetCurBitPlaneNum_JPEG2K(
+    const KroiDecodeCBProgrState_JPEG2K* pState, int* pBitPlane);
+/* Decodes the passes one segment carries. Checks: -8 pSegment, pState; -17; -180 not
+ * attached; -112 once corrupt data has been met (and from then on). */
+KRO_API KroStatus kroiDecodeCBProgrStep_JPEG2K(const Kro8u* pSegment, int segmentLength,
+                                               KroiDecodeCBProgrState_JPEG2K* pState);
 
 /* ======================================================================== */
 /* Image copy, set, convert and logical operations                          */
