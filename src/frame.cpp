@@ -35,7 +35,9 @@ int ProcessorCount() {
 }  // namespace
 }  // namespace kro
 
-KRO_EXPORT int threads_omp_of_n_kro = kro::ProcessorCount();
+extern "C" {
+KRO_API int threads_omp_of_n_kro = kro::ProcessorCount();
+}
 
 KRO_EXPORT const KroLibraryVersion* krojGetLibVersion(void) { return &kro::kVersion; }
 
