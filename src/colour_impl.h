@@ -5,6 +5,8 @@
 #ifndef KROJ_SRC_COLOUR_IMPL_H_
 #define KROJ_SRC_COLOUR_IMPL_H_
 
+#include <string.h>
+
 #include "kro_base.h"
 #include "kro_checks.h"
 #include "kro_parallel.h"
@@ -124,16 +126,24 @@ struct BytesOut {
   }
 };
 
-// One 16-bit word per pixel in a ref::Packed format.
+// One 16-bit word per pixel in a ref::Packed format. Rows of words may start at any
+// byte (the step is in bytes and may be odd), so words are moved with memcpy.
 template <class Format>
 struct PackedIn {
   using T = Kro16u;
-  static Px Load(const T* const* s, int x) { return {Format::Unpack(s[0][x]), 0}; }
+  static Px Load(const T* const* s, int x) {
+    Kro16u w;
+    memcpy(&w, s[0] + x, sizeof w);
+    return {Format::Unpack(w), 0};
+  }
 };
 template <class Format>
 struct PackedOut {
   using T = Kro16u;
-  static void Store(T* const* d, int x, Px p) { d[0][x] = Format::Pack(p.c); }
+  static void Store(T* const* d, int x, Px p) {
+    const Kro16u w = Format::Pack(p.c);
+    memcpy(d[0] + x, &w, sizeof w);
+  }
 };
 
 // Y alone.
