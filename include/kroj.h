@@ -144,6 +144,215 @@ KRO_API extern int threads_omp_of_n_kro;
 /* ======================================================================== */
 /* JPEG Huffman coding: tables, baseline, progressive, lossless, statistics */
 /* ======================================================================== */
+/* Tables arrive as in a DHT segment: pListBits = BITS, 16 counts of codes of
+ * length 1..16; pListVals = HUFFVAL, the symbols in order of increasing code length.
+ * Specification and state buffers are sized by their ...GetBufSize function
+ * (encoder spec 1024 bytes, decoder spec 1644, encoder state 1048, decoder state 24)
+ * and owned by the caller; their contents are private. The ...InitAlloc functions
+ * allocate with krosMalloc_8u and return kroStatusNullPointer when that fails; a
+ * spec whose build fails is still handed back and must be freed. Blocks are 64
+ * Kro16s in natural order. Coded data carries a 0x00 after every 0xFF data byte;
+ * a flush pads the last byte with 1-bits. */
+
+typedef struct KroiEncodeHuffmanSpec KroiEncodeHuffmanSpec;
+typedef struct KroiDecodeHuffmanSpec KroiDecodeHuffmanSpec;
+typedef struct KroiEncodeHuffmanState KroiEncodeHuffmanState;
+typedef struct KroiDecodeHuffmanState KroiDecodeHuffmanState;
+
+/* Table specifications and states. GetBufSize: pSize null -> -8. The encoder spec
+ * refuses BITS totalling more than 256 codes or over-filling a code length (-64;
+ * codes may not be all 1-bits). The decoder spec refuses only more than 256 codes:
+ * an over-full list is accepted, its codes that do not fit their length are never
+ * matched through the 8-bit lookup. A symbol listed twice keeps its last code.
+ * Decoder state init clears the first 20 of its 24 bytes. */
+KRO_API KroStatus kroiEncodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize);
+KRO_API KroStatus kroiEncodeHuffmanSpecInit_JPEG_8u(const Kro8u* pListBits, const Kro8u* pListVals,
+                                                    KroiEncodeHuffmanSpec* pEncHuffSpec);
+KRO_API KroStatus kroiEncodeHuffmanSpecInitAlloc_JPEG_8u(const Kro8u* pListBits,
+                                                         const Kro8u* pListVals,
+                                                         KroiEncodeHuffmanSpec** ppEncHuffSpec);
+KRO_API KroStatus kroiEncodeHuffmanSpecFree_JPEG_8u(KroiEncodeHuffmanSpec* pEncHuffSpec);
+KRO_API KroStatus kroiEncodeHuffmanStateGetBufSize_JPEG_8u(int* pSize);
+KRO_API KroStatus kroiEncodeHuffmanStateInit_JPEG_8u(KroiEncodeHuffmanState* pEncHuffState);
+KRO_API KroStatus kroiEncodeHuffmanStateInitAlloc_JPEG_8u(KroiEncodeHuffmanState** ppEncHuffState);
+KRO_API KroStatus kroiEncodeHuffmanStateFree_JPEG_8u(KroiEncodeHuffmanState* pEncHuffState);
+KRO_API KroStatus kroiDecodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize);
+KRO_API KroStatus kroiDecodeHuffmanSpecInit_JPEG_8u(const Kro8u* pListBits, const Kro8u* pListVals,
+                                                    KroiDecodeHuffmanSpec* pDecHuffSpec);
+KRO_API KroStatus kroiDecodeHuffmanSpecInitAlloc_JPEG_8u(const Kro8u* pListBits,
+                                                         const Kro8u* pListVals,
+                                                         KroiDecodeHuffmanSpec** ppDecHuffSpec);
+KRO_API KroStatus kroiDecodeHuffmanSpecFree_JPEG_8u(KroiDecodeHuffmanSpec* pDecHuffSpec);
+KRO_API KroStatus kroiDecodeHuffmanStateGetBufSize_JPEG_8u(int* pSize);
+KRO_API KroStatus kroiDecodeHuffmanStateInit_JPEG_8u(KroiDecodeHuffmanState* pDecHuffState);
+KRO_API KroStatus kroiDecodeHuffmanStateInitAlloc_JPEG_8u(KroiDecodeHuffmanState** ppDecHuffState);
+KRO_API KroStatus kroiDecodeHuffmanStateFree_JPEG_8u(KroiDecodeHuffmanState* pDecHuffState);
+
+/* Baseline block encoding: DC difference from *pLastDC (then replaced), AC run/size
+ * symbols with ZRL and EOB, appended at pDst[*pDstCurrPos]. Checks: pDst null -> -8,
+ * dstLenBytes < 1 -> -6, pDstCurrPos or pEncHuffState null -> -8, then (not flushing)
+ * pSrc, pLastDC, pDcTable, pAcTable null -> -8. bFlushState != 0 only pads the
+ * pending bits and resets the state. -62: destination full (the bytes stored so far
+ * stay, the state is that of before the failing symbol: the stream is broken);
+ * -64: a needed symbol has no code. Coefficients lie in -32767..32767 (unchecked):
+ * an AC value of -32768 takes category 16, symbol run*16 + 16, which no JPEG table
+ * holds; after a run of 15 that index is 256, treated as a symbol without a code.
+ * The Direct variant writes at bit position *pDstBitsLen of pDst with no capacity, no
+ * state and no flush: it returns 0 whenever its six pointers are non-null (else -8),
+ * silently skips symbols without a code, and the caller pads the last byte. */
+KRO_API KroStatus kroiEncodeHuffman8x8_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8u* pDst, int dstLenBytes,
+                                                     int* pDstCurrPos, Kro16s* pLastDC,
+                                                     const KroiEncodeHuffmanSpec* pDcTable,
+                                                     const KroiEncodeHuffmanSpec* pAcTable,
+                                                     KroiEncodeHuffmanState* pEncHuffState,
+                                                     int bFlushState);
+KRO_API KroStatus kroiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8u* pDst,
+                                                            int* pDstBitsLen, Kro16s* pLastDC,
+                                                            const KroiEncodeHuffmanSpec* pDcTable,
+                                                            const KroiEncodeHuffmanSpec* pAcTable);
+
+/* Baseline block decoding into 64 coefficients (cleared first), reading from
+ * pSrc[*pSrcCurrPos] with srcLenBytes bytes in all. A marker (0xFF then a byte other
+ * than 0x00 or 0xFF) stops reading: its code goes to *pMarker, which the caller clears
+ * before decoding past it. Checks: pSrc null -> -8, srcLenBytes < 0 -> -5, any other
+ * pointer null -> -8. -62: the source ended while bits were needed; -63: no code
+ * matches, or bits were needed after a marker; -2: a run carried the position beyond
+ * the block (zig-zag positions 64..71 still land on coefficient 63).
+ * The Direct variant reads from pSrc + (*pSrcBitsLen >> 3) until a marker, with no
+ * length: the source must end in a marker. The caller keeps the bit accumulator and
+ * its count; *pSrcBitsLen receives 8 times the index in pSrc of the next unread byte,
+ * so consecutive calls pass the same variable along. Checks: pSrc or pSrcBitsLen
+ * null -> -8; *pSrcBitsLen < 0 -> -5; pDst, pLastDC, pMarker, pPrefetchedBits,
+ * pNumValidPrefetchedBits null -> -8; *pNumValidPrefetchedBits < 0 -> -5; tables
+ * null -> -8. Running out of data before the DC symbol leaves a zero block (0). */
+KRO_API KroStatus kroiDecodeHuffman8x8_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
+                                                     int* pSrcCurrPos, Kro16s* pDst, Kro16s* pLastDC,
+                                                     int* pMarker,
+                                                     const KroiDecodeHuffmanSpec* pDcTable,
+                                                     const KroiDecodeHuffmanSpec* pAcTable,
+                                                     KroiDecodeHuffmanState* pDecHuffState);
+KRO_API KroStatus kroiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(
+    const Kro8u* pSrc, int* pSrcBitsLen, Kro16s* pDst, Kro16s* pLastDC, int* pMarker,
+    Kro32u* pPrefetchedBits, int* pNumValidPrefetchedBits, const KroiDecodeHuffmanSpec* pDcTable,
+    const KroiDecodeHuffmanSpec* pAcTable);
+
+/* Statistics: adds to 256 counters per table the symbols the baseline encoder would
+ * write for the block (the caller clears them first). Any pointer null -> -8. An AC
+ * value of -32768 counts symbol run*16 + 16; after a run of 15 (index 256) nothing. */
+KRO_API KroStatus kroiGetHuffmanStatistics8x8_JPEG_16s_C1(const Kro16s* pSrc, int pDcStatistics[256],
+                                                          int pAcStatistics[256], Kro16s* pLastDC);
+/* Optimal table from 256 counters (T.81 K.2; ties go to the higher symbol), limited to
+ * 16-bit codes, with no all-1-bits code. Writes BITS (16 bytes) and HUFFVAL (one byte
+ * per symbol with a non-zero count). Pointer null -> -8; a code longer than 32 bits
+ * before limiting -> -64 (nothing written). All-zero counters give empty lists. */
+KRO_API KroStatus kroiEncodeHuffmanRawTableInit_JPEG_8u(const int pStatistics[256], Kro8u* pListBits,
+                                                        Kro8u* pListVals);
+
+/* Progressive encoding (T.81 G.1.2), one block per call; Ss..Se is the spectral band in
+ * zig-zag positions, Al the point transform. AC scans code runs of empty bands as
+ * EOBRUN across blocks and calls, refinement scans buffer their correction bits in the
+ * state; bFlushState != 0 writes what is pending, pads and resets the state. Checks:
+ * pDst null -> -8, dstLenBytes < 1 -> -6, pDstCurrPos, the AC table and pEncHuffState
+ * null -> -8; then (not flushing) pSrc (and pLastDC) null -> -8; Al outside 0..13,
+ * Ss outside 1..63, Se outside Ss..63 -> -5; DC first: pDcTable null -> -8 last.
+ * -63: a DC category or AC size above 11. A refinement flush returns a padding failure
+ * first, else the status of writing the pending run or bits. */
+KRO_API KroStatus kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8u* pDst,
+                                                             int dstLenBytes, int* pDstCurrPos,
+                                                             Kro16s* pLastDC, int Al,
+                                                             const KroiEncodeHuffmanSpec* pDcTable,
+                                                             KroiEncodeHuffmanState* pEncHuffState,
+                                                             int bFlushState);
+KRO_API KroStatus kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8u* pDst,
+                                                              int dstLenBytes, int* pDstCurrPos, int Al,
+                                                              KroiEncodeHuffmanState* pEncHuffState,
+                                                              int bFlushState);
+KRO_API KroStatus kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8u* pDst,
+                                                             int dstLenBytes, int* pDstCurrPos, int Ss,
+                                                             int Se, int Al,
+                                                             const KroiEncodeHuffmanSpec* pAcTable,
+                                                             KroiEncodeHuffmanState* pEncHuffState,
+                                                             int bFlushState);
+KRO_API KroStatus kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8u* pDst,
+                                                              int dstLenBytes, int* pDstCurrPos, int Ss,
+                                                              int Se, int Al,
+                                                              const KroiEncodeHuffmanSpec* pAcTable,
+                                                              KroiEncodeHuffmanState* pEncHuffState,
+                                                              int bFlushState);
+/* Progressive statistics. DC first: any pointer null -> -8, Al outside 0..13 -> -5,
+ * category above 11 -> -63. AC kinds: counters or state null -> -8, then a flush
+ * (counts the pending EOBRUN, resets the state), then pSrc null -> -8, then the
+ * Ss/Se/Al ranges -> -5. AC first refuses sizes above 10 (-63), one less than its
+ * encoder, kept for compatibility with existing callers. */
+KRO_API KroStatus kroiGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(const Kro16s* pSrc,
+                                                                  int pDcStatistics[256],
+                                                                  Kro16s* pLastDC, int Al);
+KRO_API KroStatus kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(const Kro16s* pSrc,
+                                                                  int pAcStatistics[256], int Ss,
+                                                                  int Se, int Al,
+                                                                  KroiEncodeHuffmanState* pEncHuffState,
+                                                                  int bFlushState);
+KRO_API KroStatus kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(const Kro16s* pSrc,
+                                                                   int pAcStatistics[256], int Ss,
+                                                                   int Se, int Al,
+                                                                   KroiEncodeHuffmanState* pEncHuffState,
+                                                                   int bFlushState);
+
+/* Progressive decoding (T.81 G.2), one block per call, refining the caller's block in
+ * place (never cleared). Checks: pSrc null -> -8, srcLenBytes < 1 -> -6 (unlike the
+ * baseline decoder), pSrcCurrPos, pDst, pMarker (and pLastDC) null -> -8, Al outside
+ * 0..13 or Ss/Se outside 1 <= Ss <= Se <= 63 -> -5, table and state null -> -8.
+ * Reader statuses as for the baseline decoder; a failed block is not retried. */
+KRO_API KroStatus kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
+                                                             int* pSrcCurrPos, Kro16s* pDst,
+                                                             Kro16s* pLastDC, int* pMarker, int Al,
+                                                             const KroiDecodeHuffmanSpec* pDcTable,
+                                                             KroiDecodeHuffmanState* pDecHuffState);
+KRO_API KroStatus kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
+                                                              int* pSrcCurrPos, Kro16s* pDst,
+                                                              int* pMarker, int Al,
+                                                              KroiDecodeHuffmanState* pDecHuffState);
+KRO_API KroStatus kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
+                                                             int* pSrcCurrPos, Kro16s* pDst,
+                                                             int* pMarker, int Ss, int Se, int Al,
+                                                             const KroiDecodeHuffmanSpec* pAcTable,
+                                                             KroiDecodeHuffmanState* pDecHuffState);
+KRO_API KroStatus kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
+                                                              int* pSrcCurrPos, Kro16s* pDst,
+                                                              int* pMarker, int Ss, int Se, int Al,
+                                                              const KroiDecodeHuffmanSpec* pAcTable,
+                                                              KroiDecodeHuffmanState* pDecHuffState);
+
+/* Lossless coding (T.81 H). Predictors 1..7 over Ra (left), Rb (above), Rc (above
+ * left), computed in 32 bits, results and differences modulo 2^16; column 0 of a row
+ * after the first is predicted by Rb. The first row is predicted by 2^(P-Pt-1) at
+ * column 0 (no offset when Pt >= P). First-row checks: pointers -> -8, width < 1 -> -6,
+ * P outside 2..16 or Pt < 0 -> -5; row checks: pointers -> -8, width < 1 -> -6,
+ * predictor outside 1..7 -> -5. */
+KRO_API KroStatus kroiDiffPredFirstRow_JPEG_16s_C1(const Kro16s* pSrc, Kro16s* pDst, int width, int P,
+                                                   int Pt);
+KRO_API KroStatus kroiDiffPredRow_JPEG_16s_C1(const Kro16s* pSrc, const Kro16s* pPrevRow, Kro16s* pDst,
+                                              int width, int predictor);
+KRO_API KroStatus kroiReconstructPredFirstRow_JPEG_16s_C1(const Kro16s* pSrc, Kro16s* pDst, int width,
+                                                          int P, int Pt);
+KRO_API KroStatus kroiReconstructPredRow_JPEG_16s_C1(const Kro16s* pSrc, const Kro16s* pPrevRow,
+                                                     Kro16s* pDst, int width, int predictor);
+/* One difference as a DC-style category symbol plus extra bits; category 16 (0x8000)
+ * has no extra bits. The encoder returns 0 once its checks pass (pDst null -> -8,
+ * dstLenBytes < 1 -> -6, pDstCurrPos or state null -> -8, then unless flushing pSrc or
+ * table null -> -8), whatever the writer met: callers watch the position, as existing
+ * callers do. The decoder: pSrc null -> -8, srcLenBytes < 0 -> -5, other pointers
+ * null -> -8; reader failures are returned and leave *pDst alone. */
+KRO_API KroStatus kroiEncodeHuffmanOne_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8u* pDst, int dstLenBytes,
+                                                     int* pDstCurrPos,
+                                                     const KroiEncodeHuffmanSpec* pEncHuffTable,
+                                                     KroiEncodeHuffmanState* pEncHuffState,
+                                                     int bFlushState);
+KRO_API KroStatus kroiDecodeHuffmanOne_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
+                                                     int* pSrcCurrPos, Kro16s* pDst, int* pMarker,
+                                                     const KroiDecodeHuffmanSpec* pDecHuffTable,
+                                                     KroiDecodeHuffmanState* pDecHuffState);
+KRO_API KroStatus kroiGetHuffmanStatisticsOne_JPEG_16s_C1(const Kro16s* pSrc, int pStatistics[256]);
 
 /* ======================================================================== */
 /* JPEG quantisation, 8x8 DCT, level shift and zig-zag                      */

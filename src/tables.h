@@ -12,6 +12,16 @@ namespace kro {
 
 // ---- Huffman coding ----
 
+// Magnitude category helper: entry n is the number of significant bits of n.
+extern const int32_t own_pj_csize[256];
+// Natural index of each zig-zag position (T.81 figure A.6); entries 64..71 are 63
+// so that a decoded run overshooting the block by up to 8 positions stays inside it.
+extern const int32_t own_pj_izigzag_index[72];
+// EXTEND offsets: entry s = 1 - 2^s for s = 0..15, entry 16 = 0.
+extern const int32_t own_pj_lowest_coef[17];
+// Entry n = floor(log2 n) for n >= 1, 0 for n = 0 (EOBRUN sizes).
+extern const int32_t own_pj_eobsize[512];
+
 // ---- Quantisation, DCT and zig-zag ----
 
 // T.81 figure A.6. zigzag_index_Fwd[k]: zig-zag position of natural index k;

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Test-side helpers for the Huffman coders: the example tables of T.81 annex K,
+// canonical codes computed independently of the library, table buffers sized by the
+// library, and a plain bit string that stuffs and pads like a JPEG writer.
+#ifndef KROJ_TESTS_HUFFMAN_TEST_UTIL_H_
+#define KROJ_TESTS_HUFFMAN_TEST_UTIL_H_
+
+#include <stdint.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "kroj.h"
+
+namespace kro_test {
+
+// T.81 table K.3 (luminance DC) and K.5 (luminance AC).
+inline const std::vector<uint8_t> kLumDcBits = {0, 1, 5, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0};
+inline const std::vector<uint8_t> kLumDcVals = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
+inline const std::vector<uint8_t> kLumAcBits = {0, 2, 1, 3, 3, 2, 4, 3, 5, 5, 4, 4, 0, 0, 1, 0x7d};
+inline const std::vector<uint8_t> kLumAcVals = {
+    0x01, 0x02, 0x03, 0x00, 0x04, 0x11, 0x05, 0x12, 0x21, 0x31, 0x41, 0x06, 0x13, 0x51, 0x61,
+    0x07, 0x22, 0x71, 0x14, 0x32, 0x81, 0x91, 0xa1, 0x08, 0x23, 0x42, 0xb1, 0xc1, 0x15, 0x52,
+    0xd1, 0xf0, 0x24, 0x33, 0x62, 0x72, 0x82, 0x09, 0x0a, 0x16, 0x17, 0x18, 0x19, 0x1a, 0x25,
+    0x26, 0x27, 0x28, 0x29, 0x2a, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x3a, 0x43, 0x44, 0x45,
+    0x46, 0x47, 0x48, 0x49, 0x4a, 0x53, 0x54, 0x55, 0x56, 0x57, 0x58, 0x59, 0x5a, 0x63, 0x64,
+    0x65, 0x66, 0x67, 0x68, 0x69, 0x6a, 0x73, 0x74, 0x75, 0x76, 0x77, 0x78, 0x79, 0x7a, 0x83,
+    0x84, 0x85, 0x86, 0x87, 0x88, 0x89, 0x8a, 0x92, 0x93, 0x94, 0x95, 0x96, 0x97, 0x98, 0x99,
+    0x9a, 0xa2, 0xa3, 0xa4, 0xa5, 0xa6, 0xa7, 0xa8, 0xa9, 0xaa, 0xb2, 0xb3, 0xb4, 0xb5, 0xb6,
+    0xb7, 0xb8, 0xb9, 0xba, 0xc2, 0xc3, 0xc4, 0xc5, 0xc6, 0xc7, 0xc8, 0xc9, 0xca, 0xd2, 0xd3,
+    0xd4, 0xd5, 0xd6, 0xd7, 0xd8, 0xd9, 0xda, 0xe1, 0xe2, 0xe3, 0xe4, 0xe5, 0xe6, 0xe7, 0xe8,
+    0xe9, 0xea, 0xf1, 0xf2, 0xf3, 0xf4, 0xf5, 0xf6, 0xf7, 0xf8, 0xf9, 0xfa};
+
+// Natural index of zig-zag position k, walked along the anti-diagonals (T.81 A.3.6).
+inline std::array<int, 64> ZigZag() {
+  std::array<int, 64> zz{};
+  int k = 0;
+  for (int d = 0; d < 15; ++d) {
+    for (int i = 0; i <= d; ++i) {
+      const int r = (d % 2 == 0) ? d - i : i;  // even diagonals run upwards
+      const int c = d - r;
+      if (r < 8 && c < 8) zz[k++] = r * 8 + c;
+    }
+  }
+  return zz;
+}
+
+struct Code {
+  uint32_t code = 0;
+  int len = 0;
+};
+
+// Canonical codes per symbol (T.81 C.2), len 0 for symbols not listed.
+inline std::array<Code, 256> Canonical(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals) {
+  std::array<Code, 256> t{};
+  uint32_t code = 0;
+  size_t p = 0;
+  for (int len = 1; len <= 16; ++len, code <<= 1)
+    for (int i = 0; i < bits[len - 1]; ++i) t[vals[p++]] = {code++, len};
+  return t;
+}
+
+// Library table buffers, sized by the library.
+struct EncTable {
+  std::vector<uint64_t> buf;
+  KroStatus status;
+  EncTable(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals) {
+    int n = 0;
+    kroiEncodeHuffmanSpecGetBufSize_JPEG_8u(&n);
+    buf.resize((n + 7) / 8);
+    status = kroiEncodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), get());
+  }
+  KroiEncodeHuffmanSpec* get() { return reinterpret_cast<KroiEncodeHuffmanSpec*>(buf.data()); }
+};
+struct DecTable {
+  std::vector<uint64_t> buf;
+  KroStatus status;
+  DecTable(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals) {
+    int n = 0;
+    kroiDecodeHuffmanSpecGetBufSize_JPEG_8u(&n);
+    buf.resize((n + 7) / 8);
+    status = kroiDecodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), get());
+  }
+  KroiDecodeHuffmanSpec* get() { return reinterpret_cast<KroiDecodeHuffmanSpec*>(buf.data()); }
+};
+struct EncStateBuf {
+  std::vector<uint64_t> buf;
+  EncStateBuf() {
+    int n = 0;
+    kroiEncodeHuffmanStateGetBufSize_JPEG_8u(&n);
+    buf.resize((n + 7) / 8);
+    kroiEncodeHuffmanStateInit_JPEG_8u(get());
+  }
+  KroiEncodeHuffmanState* get() { return reinterpret_cast<KroiEncodeHuffmanState*>(buf.data()); }
+};
+struct DecStateBuf {
+  std::vector<uint64_t> buf;
+  DecStateBuf() {
+    int n = 0;
+    kroiDecodeHuffmanStateGetBufSize_JPEG_8u(&n);
+    buf.resize((n + 7) / 8);
+    kroiDecodeHuffmanStateInit_JPEG_8u(get());
+  }
+  KroiDecodeHuffmanState* get() { return reinterpret_cast<KroiDecodeHuffmanState*>(buf.data()); }
+};
+
+// A bit string of '0'/'1' characters.
+struct Bits {
+  std::string s;
+  void Put(uint32_t v, int n) {
+    for (int i = n - 1; i >= 0; --i) s.push_back(((v >> i) & 1) ? '1' : '0');
+  }
+  // Whole bytes, padded with 1-bits, 0x00 after each 0xFF.
+  std::vector<uint8_t> Stuffed() const {
+    std::string t = s;
+    while (t.size() % 8) t.push_back('1');
+    std::vector<uint8_t> out;
+    for (size_t i = 0; i < t.size(); i += 8) {
+      out.push_back(static_cast<uint8_t>(std::stoi(t.substr(i, 8), nullptr, 2)));
+      if (out.back() == 0xFF) out.push_back(0);
+    }
+    return out;
+  }
+};
+
+// Magnitude category: bits of |v|.
+inline int Category(int v) {
+  int n = 0;
+  for (unsigned a = static_cast<unsigned>(v < 0 ? -v : v); a; a >>= 1) ++n;
+  return n;
+}
+
+}  // namespace kro_test
+
+#endif  // KROJ_TESTS_HUFFMAN_TEST_UTIL_H_
