@@ -274,9 +274,9 @@ KRO_EXPORT KroStatus kroiEncodeInitAlloc_JPEG2K(KroiEncodeState_JPEG2K** ppState
   if (BadSize(maxCodeBlockSize)) return kroStatusBadSize;
   *ppState = nullptr;
   const int64_t columns = int64_t{maxCodeBlockSize.width} * ((int64_t{maxCodeBlockSize.height} + 3) / 4);
-  const int64_t decision_bytes = enc::kDecisionsPerColumn * columns;
   const int64_t nbh_bytes = t1::NbhBytes(maxCodeBlockSize.width, maxCodeBlockSize.height);
-  if (decision_bytes > INT_MAX || nbh_bytes > INT_MAX) return kroStatusNoMemory;
+  if (columns > INT_MAX / enc::kDecisionsPerColumn || nbh_bytes > INT_MAX) return kroStatusNoMemory;
+  const int64_t decision_bytes = enc::kDecisionsPerColumn * columns;
 
   auto* s = reinterpret_cast<State*>(krosMalloc_8u(static_cast<int>(sizeof(State))));
   auto* book = reinterpret_cast<enc::Book*>(krosMalloc_8u(static_cast<int>(sizeof(enc::Book))));
