@@ -1538,6 +1538,198 @@ KRO_API KroStatus kroiNot_8u_AC4IR(Kro8u* pSrcDst, int srcDstStep, KroiSize roiS
 /* ======================================================================== */
 /* Signal copy, set, zero, multiplication and division                      */
 /* ======================================================================== */
+/* Every function checks its pointers (-8) and then len >= 1 (-6); a constant
+ * divisor is checked after these. Sfs: the exact result times 2^-scaleFactor,
+ * rounded half to even and saturated to the destination type (a negative factor
+ * scales up). In-place forms (I) use pSrcDst as the second operand and the result. */
+
+/* Copy (overlap allowed), zero and fill. */
+KRO_API KroStatus krosCopy_8u(const Kro8u* pSrc, Kro8u* pDst, int len);
+KRO_API KroStatus krosCopy_16s(const Kro16s* pSrc, Kro16s* pDst, int len);
+KRO_API KroStatus krosCopy_16sc(const Kro16sc* pSrc, Kro16sc* pDst, int len);
+KRO_API KroStatus krosCopy_32s(const Kro32s* pSrc, Kro32s* pDst, int len);
+KRO_API KroStatus krosCopy_32sc(const Kro32sc* pSrc, Kro32sc* pDst, int len);
+KRO_API KroStatus krosCopy_32f(const Kro32f* pSrc, Kro32f* pDst, int len);
+KRO_API KroStatus krosCopy_32fc(const Kro32fc* pSrc, Kro32fc* pDst, int len);
+KRO_API KroStatus krosCopy_64s(const Kro64s* pSrc, Kro64s* pDst, int len);
+KRO_API KroStatus krosCopy_64sc(const Kro64sc* pSrc, Kro64sc* pDst, int len);
+KRO_API KroStatus krosCopy_64f(const Kro64f* pSrc, Kro64f* pDst, int len);
+KRO_API KroStatus krosCopy_64fc(const Kro64fc* pSrc, Kro64fc* pDst, int len);
+
+KRO_API KroStatus krosZero_8u(Kro8u* pDst, int len);
+KRO_API KroStatus krosZero_16s(Kro16s* pDst, int len);
+KRO_API KroStatus krosZero_16sc(Kro16sc* pDst, int len);
+KRO_API KroStatus krosZero_32s(Kro32s* pDst, int len);
+KRO_API KroStatus krosZero_32sc(Kro32sc* pDst, int len);
+KRO_API KroStatus krosZero_32f(Kro32f* pDst, int len);
+KRO_API KroStatus krosZero_32fc(Kro32fc* pDst, int len);
+KRO_API KroStatus krosZero_64s(Kro64s* pDst, int len);
+KRO_API KroStatus krosZero_64sc(Kro64sc* pDst, int len);
+KRO_API KroStatus krosZero_64f(Kro64f* pDst, int len);
+KRO_API KroStatus krosZero_64fc(Kro64fc* pDst, int len);
+KRO_API KroStatus krosSet_8u(Kro8u val, Kro8u* pDst, int len);
+KRO_API KroStatus krosSet_16s(Kro16s val, Kro16s* pDst, int len);
+KRO_API KroStatus krosSet_16sc(Kro16sc val, Kro16sc* pDst, int len);
+KRO_API KroStatus krosSet_32s(Kro32s val, Kro32s* pDst, int len);
+KRO_API KroStatus krosSet_32sc(Kro32sc val, Kro32sc* pDst, int len);
+KRO_API KroStatus krosSet_32f(Kro32f val, Kro32f* pDst, int len);
+KRO_API KroStatus krosSet_32fc(Kro32fc val, Kro32fc* pDst, int len);
+KRO_API KroStatus krosSet_64s(Kro64s val, Kro64s* pDst, int len);
+KRO_API KroStatus krosSet_64sc(Kro64sc val, Kro64sc* pDst, int len);
+KRO_API KroStatus krosSet_64f(Kro64f val, Kro64f* pDst, int len);
+KRO_API KroStatus krosSet_64fc(Kro64fc val, Kro64fc* pDst, int len);
+
+/* Integer multiplication, by a vector or a constant. The product is exact, then
+ * scaled, rounded half to even and saturated, for every scale factor (so for 16-bit
+ * products: above 30 gives 0, below -15 gives the saturated sign). The forms
+ * without Sfs use factor 0 (saturation only); complex products round each part.
+ * 32-bit products are carried in 64 bits and complex 32-bit ones in 128 bits, so
+ * the 32-bit forms follow the same exact rule. */
+KRO_API KroStatus krosMulC_8u_ISfs(Kro8u val, Kro8u* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosMulC_8u_Sfs(const Kro8u* pSrc, Kro8u val, Kro8u* pDst, int len,
+                                  int scaleFactor);
+KRO_API KroStatus krosMul_8u_ISfs(const Kro8u* pSrc, Kro8u* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosMul_8u_Sfs(const Kro8u* pSrc1, const Kro8u* pSrc2, Kro8u* pDst, int len,
+                                 int scaleFactor);
+KRO_API KroStatus krosMul_8u16u(const Kro8u* pSrc1, const Kro8u* pSrc2, Kro16u* pDst, int len);
+KRO_API KroStatus krosMulC_16s_I(Kro16s val, Kro16s* pSrcDst, int len);
+KRO_API KroStatus krosMulC_16s_ISfs(Kro16s val, Kro16s* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosMulC_16s_Sfs(const Kro16s* pSrc, Kro16s val, Kro16s* pDst, int len,
+                                   int scaleFactor);
+KRO_API KroStatus krosMulC_16sc_ISfs(Kro16sc val, Kro16sc* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosMulC_16sc_Sfs(const Kro16sc* pSrc, Kro16sc val, Kro16sc* pDst, int len,
+                                    int scaleFactor);
+KRO_API KroStatus krosMul_16s_I(const Kro16s* pSrc, Kro16s* pSrcDst, int len);
+KRO_API KroStatus krosMul_16s_ISfs(const Kro16s* pSrc, Kro16s* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosMul_16sc_ISfs(const Kro16sc* pSrc, Kro16sc* pSrcDst, int len,
+                                    int scaleFactor);
+KRO_API KroStatus krosMul_16s(const Kro16s* pSrc1, const Kro16s* pSrc2, Kro16s* pDst, int len);
+KRO_API KroStatus krosMul_16s32s_Sfs(const Kro16s* pSrc1, const Kro16s* pSrc2, Kro32s* pDst,
+                                     int len, int scaleFactor);
+KRO_API KroStatus krosMul_16s_Sfs(const Kro16s* pSrc1, const Kro16s* pSrc2, Kro16s* pDst, int len,
+                                  int scaleFactor);
+KRO_API KroStatus krosMul_16u16s_Sfs(const Kro16u* pSrc1, const Kro16s* pSrc2, Kro16s* pDst,
+                                     int len, int scaleFactor);
+KRO_API KroStatus krosMul_16sc_Sfs(const Kro16sc* pSrc1, const Kro16sc* pSrc2, Kro16sc* pDst,
+                                   int len, int scaleFactor);
+KRO_API KroStatus krosMulC_32s_ISfs(Kro32s val, Kro32s* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosMulC_32s_Sfs(const Kro32s* pSrc, Kro32s val, Kro32s* pDst, int len,
+                                   int scaleFactor);
+KRO_API KroStatus krosMulC_32sc_ISfs(Kro32sc val, Kro32sc* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosMulC_32sc_Sfs(const Kro32sc* pSrc, Kro32sc val, Kro32sc* pDst, int len,
+                                    int scaleFactor);
+KRO_API KroStatus krosMul_32s32sc_ISfs(const Kro32s* pSrc, Kro32sc* pSrcDst, int len,
+                                       int scaleFactor);
+KRO_API KroStatus krosMul_32s32sc_Sfs(const Kro32s* pSrc1, const Kro32sc* pSrc2, Kro32sc* pDst,
+                                      int len, int scaleFactor);
+KRO_API KroStatus krosMul_32s_ISfs(const Kro32s* pSrc, Kro32s* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosMul_32sc_ISfs(const Kro32sc* pSrc, Kro32sc* pSrcDst, int len,
+                                    int scaleFactor);
+KRO_API KroStatus krosMul_32s_Sfs(const Kro32s* pSrc1, const Kro32s* pSrc2, Kro32s* pDst, int len,
+                                  int scaleFactor);
+KRO_API KroStatus krosMul_32sc_Sfs(const Kro32sc* pSrc1, const Kro32sc* pSrc2, Kro32sc* pDst,
+                                   int len, int scaleFactor);
+
+/* Float multiplication in the element precision (complex: (ac - bd, ad + bc)).
+ * krosMul_16s32f rounds the exact integer product once to single precision.
+ * krosMulC_32f16s_Sfs: the exact (double) product times 2^-scaleFactor, saturated
+ * and rounded half to even into 16 bits, not-a-number giving -32768;
+ * krosMulC_Low_32f16s: the same with the product first rounded to single precision
+ * and no scale factor. */
+KRO_API KroStatus krosMul_16s32f(const Kro16s* pSrc1, const Kro16s* pSrc2, Kro32f* pDst, int len);
+KRO_API KroStatus krosMulC_32f_I(Kro32f val, Kro32f* pSrcDst, int len);
+KRO_API KroStatus krosMulC_32fc_I(Kro32fc val, Kro32fc* pSrcDst, int len);
+KRO_API KroStatus krosMulC_32fc(const Kro32fc* pSrc, Kro32fc val, Kro32fc* pDst, int len);
+KRO_API KroStatus krosMul_32f_I(const Kro32f* pSrc, Kro32f* pSrcDst, int len);
+KRO_API KroStatus krosMul_32fc_I(const Kro32fc* pSrc, Kro32fc* pSrcDst, int len);
+KRO_API KroStatus krosMul_32f(const Kro32f* pSrc1, const Kro32f* pSrc2, Kro32f* pDst, int len);
+KRO_API KroStatus krosMul_32fc(const Kro32fc* pSrc1, const Kro32fc* pSrc2, Kro32fc* pDst, int len);
+KRO_API KroStatus krosMulC_Low_32f16s(const Kro32f* pSrc, Kro32f val, Kro16s* pDst, int len);
+KRO_API KroStatus krosMulC_32f16s_Sfs(const Kro32f* pSrc, Kro32f val, Kro16s* pDst, int len,
+                                      int scaleFactor);
+KRO_API KroStatus krosMulC_64f_I(Kro64f val, Kro64f* pSrcDst, int len);
+KRO_API KroStatus krosMulC_64fc_I(Kro64fc val, Kro64fc* pSrcDst, int len);
+KRO_API KroStatus krosMulC_64fc(const Kro64fc* pSrc, Kro64fc val, Kro64fc* pDst, int len);
+KRO_API KroStatus krosMul_64f_I(const Kro64f* pSrc, Kro64f* pSrcDst, int len);
+KRO_API KroStatus krosMul_64fc_I(const Kro64fc* pSrc, Kro64fc* pSrcDst, int len);
+KRO_API KroStatus krosMul_64f(const Kro64f* pSrc1, const Kro64f* pSrc2, Kro64f* pDst, int len);
+KRO_API KroStatus krosMul_64fc(const Kro64fc* pSrc1, const Kro64fc* pSrc2, Kro64fc* pDst, int len);
+KRO_API KroStatus krosMulC_32f(const Kro32f* pSrc, Kro32f val, Kro32f* pDst, int len);
+KRO_API KroStatus krosMulC_64f(const Kro64f* pSrc, Kro64f val, Kro64f* pDst, int len);
+
+/* Vector division, pDst = pSrc2 / pSrc1 (the first vector is the divisor); a zero
+ * divisor writes the element's fixed value and makes the status
+ * kroStatusDivideByZeroWarning. 16s and 8u work in single precision: r =
+ * dividend * 2^-sf / divisor, then t = r (+ 32768 for 16s) + 0.5 truncated, ties
+ * to even. 16s: saturated first when scaleFactor < 1 (not-a-number gives -32768);
+ * a zero divisor gives 0, 32767 or -32768 by the dividend. 8u: factors below -15
+ * give 255 for any non-zero dividend, above 8 give 0; negative factors cap at 255;
+ * a zero divisor gives 255 (0 for a zero dividend). 16sc: the 16s rules in double
+ * precision, per part. 32s and 32s16s (32-bit dividend, 16-bit divisor and
+ * result): the quotient rounded exactly, half to even, and saturated; a zero
+ * divisor gives 0 or the saturated sign of the dividend.
+ * Float forms: IEEE quotients; a zero divisor gives +inf, NaN or -inf for a
+ * positive, zero or other dividend (per part for complex; complex 32fc quotients
+ * are formed in double). */
+KRO_API KroStatus krosDiv_16s_Sfs(const Kro16s* pSrc1, const Kro16s* pSrc2, Kro16s* pDst, int len,
+                                  int scaleFactor);
+KRO_API KroStatus krosDiv_16s_ISfs(const Kro16s* pSrc, Kro16s* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosDiv_8u_Sfs(const Kro8u* pSrc1, const Kro8u* pSrc2, Kro8u* pDst, int len,
+                                 int scaleFactor);
+KRO_API KroStatus krosDiv_8u_ISfs(const Kro8u* pSrc, Kro8u* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosDiv_16sc_Sfs(const Kro16sc* pSrc1, const Kro16sc* pSrc2, Kro16sc* pDst,
+                                   int len, int scaleFactor);
+KRO_API KroStatus krosDiv_16sc_ISfs(const Kro16sc* pSrc, Kro16sc* pSrcDst, int len,
+                                    int scaleFactor);
+KRO_API KroStatus krosDiv_32s_Sfs(const Kro32s* pSrc1, const Kro32s* pSrc2, Kro32s* pDst, int len,
+                                  int scaleFactor);
+KRO_API KroStatus krosDiv_32s_ISfs(const Kro32s* pSrc, Kro32s* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosDiv_32s16s_Sfs(const Kro16s* pSrc1, const Kro32s* pSrc2, Kro16s* pDst,
+                                     int len, int scaleFactor);
+KRO_API KroStatus krosDiv_32f(const Kro32f* pSrc1, const Kro32f* pSrc2, Kro32f* pDst, int len);
+KRO_API KroStatus krosDiv_32f_I(const Kro32f* pSrc, Kro32f* pSrcDst, int len);
+KRO_API KroStatus krosDiv_64f(const Kro64f* pSrc1, const Kro64f* pSrc2, Kro64f* pDst, int len);
+KRO_API KroStatus krosDiv_64f_I(const Kro64f* pSrc, Kro64f* pSrcDst, int len);
+KRO_API KroStatus krosDiv_32fc(const Kro32fc* pSrc1, const Kro32fc* pSrc2, Kro32fc* pDst, int len);
+KRO_API KroStatus krosDiv_32fc_I(const Kro32fc* pSrc, Kro32fc* pSrcDst, int len);
+KRO_API KroStatus krosDiv_64fc(const Kro64fc* pSrc1, const Kro64fc* pSrc2, Kro64fc* pDst, int len);
+KRO_API KroStatus krosDiv_64fc_I(const Kro64fc* pSrc, Kro64fc* pSrcDst, int len);
+
+/* Division by a constant; a zero constant returns kroStatusDivideByZero (-10)
+ * with nothing written. 16s: m = 2^-sf / val once, r = x * m in single precision,
+ * saturated first unless m is in [-0.9999, 1]. 8u: m = 2^-sf times 1/val rounded to
+ * six decimals (1/3 -> 0.333333), capped at 255. 16sc: m = conj(val) * 2^-sf /
+ * |val|^2 in double, saturated when |m|^2 >= 0.5. Float forms multiply by the
+ * reciprocal formed once (complex ones formed in double, rounded to the element
+ * type), so they give the results of a rounded reciprocal. */
+KRO_API KroStatus krosDivC_16s_Sfs(const Kro16s* pSrc, Kro16s val, Kro16s* pDst, int len,
+                                   int scaleFactor);
+KRO_API KroStatus krosDivC_16s_ISfs(Kro16s val, Kro16s* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosDivC_8u_Sfs(const Kro8u* pSrc, Kro8u val, Kro8u* pDst, int len,
+                                  int scaleFactor);
+KRO_API KroStatus krosDivC_8u_ISfs(Kro8u val, Kro8u* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosDivC_16sc_Sfs(const Kro16sc* pSrc, Kro16sc val, Kro16sc* pDst, int len,
+                                    int scaleFactor);
+KRO_API KroStatus krosDivC_16sc_ISfs(Kro16sc val, Kro16sc* pSrcDst, int len, int scaleFactor);
+KRO_API KroStatus krosDivC_32f(const Kro32f* pSrc, Kro32f val, Kro32f* pDst, int len);
+KRO_API KroStatus krosDivC_32f_I(Kro32f val, Kro32f* pSrcDst, int len);
+KRO_API KroStatus krosDivC_32fc(const Kro32fc* pSrc, Kro32fc val, Kro32fc* pDst, int len);
+KRO_API KroStatus krosDivC_32fc_I(Kro32fc val, Kro32fc* pSrcDst, int len);
+KRO_API KroStatus krosDivC_64f(const Kro64f* pSrc, Kro64f val, Kro64f* pDst, int len);
+KRO_API KroStatus krosDivC_64f_I(Kro64f val, Kro64f* pSrcDst, int len);
+KRO_API KroStatus krosDivC_64fc(const Kro64fc* pSrc, Kro64fc val, Kro64fc* pDst, int len);
+KRO_API KroStatus krosDivC_64fc_I(Kro64fc val, Kro64fc* pSrcDst, int len);
+
+/* Constant divided by a vector. 16u: q = val * 65536 / src truncated, result
+ * (q + 32767 + 2 * (bit 16 of q)) >> 16 (ties to even; with an odd integer part a
+ * fraction of 32767/65536 rounds up); a zero element gives 65535, a zero val gives
+ * 0 everywhere, and a zero element makes the status kroStatusDivideByZeroWarning.
+ * 32f: val / src; a zero element gives +inf, NaN or -inf by val, with the
+ * warning. */
+KRO_API KroStatus krosDivCRev_16u(const Kro16u* pSrc, Kro16u val, Kro16u* pDst, int len);
+KRO_API KroStatus krosDivCRev_16u_I(Kro16u val, Kro16u* pSrcDst, int len);
+KRO_API KroStatus krosDivCRev_32f(const Kro32f* pSrc, Kro32f val, Kro32f* pDst, int len);
+KRO_API KroStatus krosDivCRev_32f_I(Kro32f val, Kro32f* pSrcDst, int len);
 
 #ifdef __cplusplus
 }
