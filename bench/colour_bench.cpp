@@ -5,9 +5,9 @@
 // MCU rows over as many threads, as an encoder or decoder would. Peers: TurboJPEG's
 // YUV plane encoder and decoder (4:4:4 for the plane conversions, 4:2:0 for the MCU
 // loops, where it also subsamples, or replicates chroma on the way back).
-#include <benchmark/benchmark.h>
 #include <omp.h>
 
+#include <benchmark/benchmark.h>
 #include <vector>
 
 #include "bench_util.h"
@@ -59,7 +59,8 @@ BENCHMARK(BM_colour_YCbCrToRGB_P3C3R)->Name("BM_colour_YCbCrToRGB_P3C3R/1920x108
 void BM_colour_SampleDownH2V2(benchmark::State& state) {
   Image img;
   for (auto _ : state) {
-    kroiSampleDownH2V2_JPEG_8u_C1R(img.p0.data(), kW, {kW, kH}, img.p1.data(), kW / 2, {kW / 2, kH / 2});
+    kroiSampleDownH2V2_JPEG_8u_C1R(img.p0.data(), kW, {kW, kH}, img.p1.data(), kW / 2,
+                                   {kW / 2, kH / 2});
     benchmark::ClobberMemory();
   }
   SetPixels(state, kW * kH);
@@ -70,8 +71,8 @@ void BM_colour_SampleUpH2V2(benchmark::State& state) {
   Image img;
   const int step = kW / 2 + 2;
   for (auto _ : state) {
-    kroiSampleUpH2V2_JPEG_8u_C1R(img.p0.data() + step + 1, step, {kW / 2, kH / 2}, img.p1.data(), kW,
-                                 {kW, kH});
+    kroiSampleUpH2V2_JPEG_8u_C1R(img.p0.data() + step + 1, step, {kW / 2, kH / 2}, img.p1.data(),
+                                 kW, {kW, kH});
     benchmark::ClobberMemory();
   }
   SetPixels(state, kW * kH);
@@ -88,13 +89,16 @@ void BM_colour_RGBToYCbCr411_MCU(benchmark::State& state) {
       for (int mx = 0; mx < kW / 16; ++mx) {
         Kro16s* b = blocks.data() + (static_cast<size_t>(my) * (kW / 16) + mx) * 384;
         Kro16s* dst[3] = {b, b + 256, b + 320};
-        kroiRGBToYCbCr411LS_MCU_8u16s_C3P3R(img.rgb.data() + (my * 16 * kW + mx * 16) * 3, 3 * kW, dst);
+        kroiRGBToYCbCr411LS_MCU_8u16s_C3P3R(img.rgb.data() + (my * 16 * kW + mx * 16) * 3, 3 * kW,
+                                            dst);
       }
     benchmark::ClobberMemory();
   }
   SetPixels(state, kW * kH);
 }
-BENCHMARK(BM_colour_RGBToYCbCr411_MCU)->Name("BM_colour_RGBToYCbCr411_MCU/1920x1088")->UseRealTime();
+BENCHMARK(BM_colour_RGBToYCbCr411_MCU)
+    ->Name("BM_colour_RGBToYCbCr411_MCU/1920x1088")
+    ->UseRealTime();
 
 void BM_colour_YCbCr411ToRGB_MCU(benchmark::State& state) {
   Image img;
@@ -106,13 +110,16 @@ void BM_colour_YCbCr411ToRGB_MCU(benchmark::State& state) {
       for (int mx = 0; mx < kW / 16; ++mx) {
         const Kro16s* b = blocks.data() + (static_cast<size_t>(my) * (kW / 16) + mx) * 384;
         const Kro16s* src[3] = {b, b + 256, b + 320};
-        kroiYCbCr411ToRGBLS_MCU_16s8u_P3C3R(src, img.rgb.data() + (my * 16 * kW + mx * 16) * 3, 3 * kW);
+        kroiYCbCr411ToRGBLS_MCU_16s8u_P3C3R(src, img.rgb.data() + (my * 16 * kW + mx * 16) * 3,
+                                            3 * kW);
       }
     benchmark::ClobberMemory();
   }
   SetPixels(state, kW * kH);
 }
-BENCHMARK(BM_colour_YCbCr411ToRGB_MCU)->Name("BM_colour_YCbCr411ToRGB_MCU/1920x1088")->UseRealTime();
+BENCHMARK(BM_colour_YCbCr411ToRGB_MCU)
+    ->Name("BM_colour_YCbCr411ToRGB_MCU/1920x1088")
+    ->UseRealTime();
 
 #ifdef KROJ_HAVE_PEER_TJ
 // TurboJPEG on the same work, single-threaded.
@@ -142,10 +149,18 @@ void PeerDecode(benchmark::State& state, int subsamp) {
   tjDestroy(h);
   SetPixels(state, kW * kH);
 }
-BENCHMARK_CAPTURE(PeerEncode, 444, TJSAMP_444)->Name("BM_peer_colour_RGBToYCbCr_C3P3R/1920x1088")->UseRealTime();
-BENCHMARK_CAPTURE(PeerDecode, 444, TJSAMP_444)->Name("BM_peer_colour_YCbCrToRGB_P3C3R/1920x1088")->UseRealTime();
-BENCHMARK_CAPTURE(PeerEncode, 420, TJSAMP_420)->Name("BM_peer_colour_RGBToYCbCr411_MCU/1920x1088")->UseRealTime();
-BENCHMARK_CAPTURE(PeerDecode, 420, TJSAMP_420)->Name("BM_peer_colour_YCbCr411ToRGB_MCU/1920x1088")->UseRealTime();
+BENCHMARK_CAPTURE(PeerEncode, 444, TJSAMP_444)
+    ->Name("BM_peer_colour_RGBToYCbCr_C3P3R/1920x1088")
+    ->UseRealTime();
+BENCHMARK_CAPTURE(PeerDecode, 444, TJSAMP_444)
+    ->Name("BM_peer_colour_YCbCrToRGB_P3C3R/1920x1088")
+    ->UseRealTime();
+BENCHMARK_CAPTURE(PeerEncode, 420, TJSAMP_420)
+    ->Name("BM_peer_colour_RGBToYCbCr411_MCU/1920x1088")
+    ->UseRealTime();
+BENCHMARK_CAPTURE(PeerDecode, 420, TJSAMP_420)
+    ->Name("BM_peer_colour_YCbCr411ToRGB_MCU/1920x1088")
+    ->UseRealTime();
 #endif
 
 }  // namespace

@@ -61,13 +61,16 @@ KroStatus ConvertPlanes(const S* const* pSrc, int srcStep, D* const* pDst, int d
 
 // Y, Cb, Cr of 8-bit R, G, B. The unsigned sums stay below 2^24.
 inline uint8_t TableY(ref::Rgb p) {
-  return static_cast<uint8_t>((cc_table[kCcYR + p.r] + cc_table[kCcYG + p.g] + cc_table[kCcYB + p.b]) >> 16);
+  return static_cast<uint8_t>(
+      (cc_table[kCcYR + p.r] + cc_table[kCcYG + p.g] + cc_table[kCcYB + p.b]) >> 16);
 }
 inline uint8_t TableCb(ref::Rgb p) {
-  return static_cast<uint8_t>((cc_table[kCcCbR + p.r] + cc_table[kCcCbG + p.g] + cc_table[kCcHalf + p.b]) >> 16);
+  return static_cast<uint8_t>(
+      (cc_table[kCcCbR + p.r] + cc_table[kCcCbG + p.g] + cc_table[kCcHalf + p.b]) >> 16);
 }
 inline uint8_t TableCr(ref::Rgb p) {
-  return static_cast<uint8_t>((cc_table[kCcHalf + p.r] + cc_table[kCcCrG + p.g] + cc_table[kCcCrB + p.b]) >> 16);
+  return static_cast<uint8_t>(
+      (cc_table[kCcHalf + p.r] + cc_table[kCcCrG + p.g] + cc_table[kCcCrB + p.b]) >> 16);
 }
 
 // Clamped R, G, B of 8-bit Y, Cb, Cr.
@@ -196,8 +199,7 @@ KroStatus ResamplePlane(const Kro8u* pSrc, int srcStep, KroiSize srcRoiSize, Kro
   if (pDst == nullptr) return kroStatusNullPointer;
   if (BadStep(dstStep)) return kroStatusBadStep;
   if (BadSize(dstRoiSize)) return kroStatusBadSize;
-  ForEachRow(dstRoiSize.width, dstRoiSize.height,
-             [&](int y) { row(y, RowPtr(pDst, dstStep, y)); });
+  ForEachRow(dstRoiSize.width, dstRoiSize.height, [&](int y) { row(y, RowPtr(pDst, dstStep, y)); });
   return kroStatusOk;
 }
 

@@ -37,7 +37,8 @@ void DecodeMcuBlocks(const Kro16s* const* src, typename Out::T* pDst, int dstSte
           const int full = G::FullIndex(x, y);
           Px p{};
           if constexpr (kKind == McuKind::kNone) {
-            p.c = {ref::Clamp255(src[0][full] + 128), ref::Clamp255(cb + 128), ref::Clamp255(cr + 128)};
+            p.c = {ref::Clamp255(src[0][full] + 128), ref::Clamp255(cb + 128),
+                   ref::Clamp255(cr + 128)};
           } else {
             p.c = ref::McuRgb(src[0][full], terms);
           }
@@ -76,10 +77,10 @@ using RawBytes = BytesOut<3, 0>;
 }  // namespace kro
 
 using kro::DecodeMcu;
-using kro::McuKind;
 using kro::Mcu411;
 using kro::Mcu422;
 using kro::Mcu444;
+using kro::McuKind;
 
 KRO_EXPORT KroStatus kroiJoin422LS_MCU_16s8u_P3C2R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
                                                    int dstStep) {
@@ -112,12 +113,12 @@ KRO_EXPORT KroStatus kroiYCCK444ToCMYKLS_MCU_16s8u_P4C4R(const Kro16s* pSrcMCU[4
   return DecodeMcu<Mcu444, kro::CmykBytes, McuKind::kYCCK>(pSrcMCU, pDst, dstStep);
 }
 
-KRO_EXPORT KroStatus kroiYCbCr411ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
-                                                             Kro16u* pDst, int dstStep) {
+KRO_EXPORT KroStatus kroiYCbCr411ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3], Kro16u* pDst,
+                                                             int dstStep) {
   return DecodeMcu<Mcu411, kro::Bgr555Words, McuKind::kYCbCr>(pSrcMCU, pDst, dstStep);
 }
-KRO_EXPORT KroStatus kroiYCbCr411ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
-                                                             Kro16u* pDst, int dstStep) {
+KRO_EXPORT KroStatus kroiYCbCr411ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3], Kro16u* pDst,
+                                                             int dstStep) {
   return DecodeMcu<Mcu411, kro::Bgr565Words, McuKind::kYCbCr>(pSrcMCU, pDst, dstStep);
 }
 KRO_EXPORT KroStatus kroiYCbCr411ToBGRLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
@@ -129,12 +130,12 @@ KRO_EXPORT KroStatus kroiYCbCr411ToRGBLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3
   return DecodeMcu<Mcu411, kro::RgbBytes, McuKind::kYCbCr>(pSrcMCU, pDst, dstStep);
 }
 
-KRO_EXPORT KroStatus kroiYCbCr422ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
-                                                             Kro16u* pDst, int dstStep) {
+KRO_EXPORT KroStatus kroiYCbCr422ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3], Kro16u* pDst,
+                                                             int dstStep) {
   return DecodeMcu<Mcu422, kro::Bgr555Words, McuKind::kYCbCr>(pSrcMCU, pDst, dstStep);
 }
-KRO_EXPORT KroStatus kroiYCbCr422ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
-                                                             Kro16u* pDst, int dstStep) {
+KRO_EXPORT KroStatus kroiYCbCr422ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3], Kro16u* pDst,
+                                                             int dstStep) {
   return DecodeMcu<Mcu422, kro::Bgr565Words, McuKind::kYCbCr>(pSrcMCU, pDst, dstStep);
 }
 KRO_EXPORT KroStatus kroiYCbCr422ToBGRLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,
@@ -146,12 +147,12 @@ KRO_EXPORT KroStatus kroiYCbCr422ToRGBLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3
   return DecodeMcu<Mcu422, kro::RgbBytes, McuKind::kYCbCr>(pSrcMCU, pDst, dstStep);
 }
 
-KRO_EXPORT KroStatus kroiYCbCr444ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
-                                                             Kro16u* pDst, int dstStep) {
+KRO_EXPORT KroStatus kroiYCbCr444ToBGR555LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3], Kro16u* pDst,
+                                                             int dstStep) {
   return DecodeMcu<Mcu444, kro::Bgr555Words, McuKind::kYCbCr>(pSrcMCU, pDst, dstStep);
 }
-KRO_EXPORT KroStatus kroiYCbCr444ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3],
-                                                             Kro16u* pDst, int dstStep) {
+KRO_EXPORT KroStatus kroiYCbCr444ToBGR565LS_MCU_16s16u_P3C3R(const Kro16s* pSrcMCU[3], Kro16u* pDst,
+                                                             int dstStep) {
   return DecodeMcu<Mcu444, kro::Bgr565Words, McuKind::kYCbCr>(pSrcMCU, pDst, dstStep);
 }
 KRO_EXPORT KroStatus kroiYCbCr444ToBGRLS_MCU_16s8u_P3C3R(const Kro16s* pSrcMCU[3], Kro8u* pDst,

@@ -83,10 +83,10 @@ using RawBytes = BytesIn<3, 0>;
 }  // namespace kro
 
 using kro::EncodeMcu;
-using kro::McuKind;
 using kro::Mcu411;
 using kro::Mcu422;
 using kro::Mcu444;
+using kro::McuKind;
 
 KRO_EXPORT KroStatus kroiBGR555ToYCbCr411LS_MCU_16u16s_C3P3R(const Kro16u* pSrc, int srcStep,
                                                              Kro16s* pDstMCU[3]) {

@@ -20,11 +20,10 @@ KroStatus UpRowH2V2(const Kro8u* pSrc1, const Kro8u* pSrc2, int srcWidth, Kro8u*
 KRO_EXPORT KroStatus kroiSampleUpH2V1_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep,
                                                   KroiSize srcRoiSize, Kro8u* pDst, int dstStep,
                                                   KroiSize dstRoiSize) {
-  return kro::ResamplePlane(pSrc, srcStep, srcRoiSize, pDst, dstStep, dstRoiSize,
-                            [&](int y, Kro8u* d) {
-                              kro::ref::UpH2V1Row(kro::RowPtr(pSrc, srcStep, y), d,
-                                                  dstRoiSize.width);
-                            });
+  return kro::ResamplePlane(
+      pSrc, srcStep, srcRoiSize, pDst, dstStep, dstRoiSize, [&](int y, Kro8u* d) {
+        kro::ref::UpH2V1Row(kro::RowPtr(pSrc, srcStep, y), d, dstRoiSize.width);
+      });
 }
 
 // Destination row y lies nearest to source row y / 2; its farther neighbour is the
@@ -33,18 +32,16 @@ KRO_EXPORT KroStatus kroiSampleUpH2V1_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep
 KRO_EXPORT KroStatus kroiSampleUpH2V2_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep,
                                                   KroiSize srcRoiSize, Kro8u* pDst, int dstStep,
                                                   KroiSize dstRoiSize) {
-  return kro::ResamplePlane(pSrc, srcStep, srcRoiSize, pDst, dstStep, dstRoiSize,
-                            [&](int y, Kro8u* d) {
-                              const int near = y >> 1, far = (y & 1) ? near + 1 : near - 1;
-                              kro::ref::UpH2V2Row(kro::RowPtr(pSrc, srcStep, near),
-                                                  kro::RowPtr(pSrc, srcStep, far), d,
-                                                  dstRoiSize.width);
-                            });
+  return kro::ResamplePlane(
+      pSrc, srcStep, srcRoiSize, pDst, dstStep, dstRoiSize, [&](int y, Kro8u* d) {
+        const int near = y >> 1, far = (y & 1) ? near + 1 : near - 1;
+        kro::ref::UpH2V2Row(kro::RowPtr(pSrc, srcStep, near), kro::RowPtr(pSrc, srcStep, far), d,
+                            dstRoiSize.width);
+      });
 }
 
-KRO_EXPORT KroStatus kroiSampleUpRowH1V2_Triangle_JPEG_8u_C1(const Kro8u* pSrc1,
-                                                             const Kro8u* pSrc2, int srcWidth,
-                                                             Kro8u* pDst) {
+KRO_EXPORT KroStatus kroiSampleUpRowH1V2_Triangle_JPEG_8u_C1(const Kro8u* pSrc1, const Kro8u* pSrc2,
+                                                             int srcWidth, Kro8u* pDst) {
   return UpRowH2V2(pSrc1, pSrc2, srcWidth, pDst);
 }
 
@@ -56,8 +53,7 @@ KRO_EXPORT KroStatus kroiSampleUpRowH2V1_Triangle_JPEG_8u_C1(const Kro8u* pSrc, 
   return kroStatusOk;
 }
 
-KRO_EXPORT KroStatus kroiSampleUpRowH2V2_Triangle_JPEG_8u_C1(const Kro8u* pSrc1,
-                                                             const Kro8u* pSrc2, int srcWidth,
-                                                             Kro8u* pDst) {
+KRO_EXPORT KroStatus kroiSampleUpRowH2V2_Triangle_JPEG_8u_C1(const Kro8u* pSrc1, const Kro8u* pSrc2,
+                                                             int srcWidth, Kro8u* pDst) {
   return UpRowH2V2(pSrc1, pSrc2, srcWidth, pDst);
 }

@@ -29,8 +29,8 @@ KRO_EXPORT KroStatus kroiRGBToY_JPEG_8u_C3C1R(const Kro8u* pSrc, int srcStep, Kr
                                               kro::ownpj_RGBToY_JPEG_8u_C3C1R);
 }
 
-KRO_EXPORT KroStatus kroiRGBToY_JPEG_8u_P3C1R(const Kro8u* const pSrc[3], int srcStep,
-                                              Kro8u* pDst, int dstStep, KroiSize roiSize) {
+KRO_EXPORT KroStatus kroiRGBToY_JPEG_8u_P3C1R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst,
+                                              int dstStep, KroiSize roiSize) {
   return ConvertPlanes<3, 1, Rows::kParallel>(pSrc, srcStep, &pDst, dstStep, roiSize,
                                               kro::ownpj_RGBToY_JPEG_8u_P3C1R);
 }

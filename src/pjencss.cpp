@@ -5,24 +5,22 @@
 #include "ref/sampling_ref.h"
 
 KRO_EXPORT KroStatus kroiSampleDownH2V1_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep,
-                                                    KroiSize srcRoiSize, Kro8u* pDst,
-                                                    int dstStep, KroiSize dstRoiSize) {
-  return kro::ResamplePlane(pSrc, srcStep, srcRoiSize, pDst, dstStep, dstRoiSize,
-                            [&](int y, Kro8u* d) {
-                              kro::ref::DownH2V1Row(kro::RowPtr(pSrc, srcStep, y), d,
-                                                    dstRoiSize.width);
-                            });
+                                                    KroiSize srcRoiSize, Kro8u* pDst, int dstStep,
+                                                    KroiSize dstRoiSize) {
+  return kro::ResamplePlane(
+      pSrc, srcStep, srcRoiSize, pDst, dstStep, dstRoiSize, [&](int y, Kro8u* d) {
+        kro::ref::DownH2V1Row(kro::RowPtr(pSrc, srcStep, y), d, dstRoiSize.width);
+      });
 }
 
 KRO_EXPORT KroStatus kroiSampleDownH2V2_JPEG_8u_C1R(const Kro8u* pSrc, int srcStep,
-                                                    KroiSize srcRoiSize, Kro8u* pDst,
-                                                    int dstStep, KroiSize dstRoiSize) {
-  return kro::ResamplePlane(pSrc, srcStep, srcRoiSize, pDst, dstStep, dstRoiSize,
-                            [&](int y, Kro8u* d) {
-                              kro::ref::DownH2V2Row(kro::RowPtr(pSrc, srcStep, 2 * y),
-                                                    kro::RowPtr(pSrc, srcStep, 2 * y + 1), d,
-                                                    dstRoiSize.width);
-                            });
+                                                    KroiSize srcRoiSize, Kro8u* pDst, int dstStep,
+                                                    KroiSize dstRoiSize) {
+  return kro::ResamplePlane(
+      pSrc, srcStep, srcRoiSize, pDst, dstStep, dstRoiSize, [&](int y, Kro8u* d) {
+        kro::ref::DownH2V2Row(kro::RowPtr(pSrc, srcStep, 2 * y),
+                              kro::RowPtr(pSrc, srcStep, 2 * y + 1), d, dstRoiSize.width);
+      });
 }
 
 KRO_EXPORT KroStatus kroiSampleDownRowH2V1_Box_JPEG_8u_C1(const Kro8u* pSrc, int srcWidth,

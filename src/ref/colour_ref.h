@@ -22,14 +22,14 @@
 namespace kro::ref {
 
 // RGB -> YCbCr.
-inline constexpr int32_t kYR = 19595;   // 0.29900 * 2^16
-inline constexpr int32_t kYG = 38470;   // 0.58700 * 2^16
-inline constexpr int32_t kYB = 7471;    // 0.11400 * 2^16
-inline constexpr int32_t kCbR = 11059;  // 0.16874 * 2^16 (negated)
-inline constexpr int32_t kCbG = 21709;  // 0.33126 * 2^16 (negated)
-inline constexpr int32_t kHalf = 32768;  // 0.50000 * 2^16: Cb from B and Cr from R
-inline constexpr int32_t kCrG = 27439;  // 0.41869 * 2^16 (negated)
-inline constexpr int32_t kCrB = 5329;   // 0.08131 * 2^16 (negated)
+inline constexpr int32_t kYR = 19595;              // 0.29900 * 2^16
+inline constexpr int32_t kYG = 38470;              // 0.58700 * 2^16
+inline constexpr int32_t kYB = 7471;               // 0.11400 * 2^16
+inline constexpr int32_t kCbR = 11059;             // 0.16874 * 2^16 (negated)
+inline constexpr int32_t kCbG = 21709;             // 0.33126 * 2^16 (negated)
+inline constexpr int32_t kHalf = 32768;            // 0.50000 * 2^16: Cb from B and Cr from R
+inline constexpr int32_t kCrG = 27439;             // 0.41869 * 2^16 (negated)
+inline constexpr int32_t kCrB = 5329;              // 0.08131 * 2^16 (negated)
 inline constexpr int32_t kChromaOffset = 8421375;  // 128 * 2^16 + 32767
 
 // YCbCr -> RGB.
@@ -42,7 +42,9 @@ struct Rgb {
   int32_t r, g, b;
 };
 
-constexpr uint8_t Clamp255(int32_t v) { return static_cast<uint8_t>(v < 0 ? 0 : v > 255 ? 255 : v); }
+constexpr uint8_t Clamp255(int32_t v) {
+  return static_cast<uint8_t>(v < 0 ? 0 : v > 255 ? 255 : v);
+}
 
 // ---- Plane conversions (rounded) ----
 

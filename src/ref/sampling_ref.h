@@ -29,7 +29,8 @@ inline void DownRowH2V1Box(const uint8_t* s, int w, uint8_t* d) {
 
 inline void DownRowH2V2Box(const uint8_t* a, const uint8_t* c, int w, uint8_t* d) {
   for (int j = 0; 2 * j < w; ++j)
-    d[j] = static_cast<uint8_t>((a[2 * j] + a[2 * j + 1] + c[2 * j] + c[2 * j + 1] + 1 + (j & 1)) >> 2);
+    d[j] = static_cast<uint8_t>((a[2 * j] + a[2 * j + 1] + c[2 * j] + c[2 * j + 1] + 1 + (j & 1)) >>
+                                2);
 }
 
 // 2w outputs; the outermost ones copy the edge samples. A one-sample row (w == 1)
@@ -79,7 +80,8 @@ inline void DownH2V2Row(const uint8_t* a, const uint8_t* c, uint8_t* d, int widt
 inline void UpH2V1Row(const uint8_t* s, uint8_t* d, int width) {
   for (int x = 0; x < width; ++x) {
     const int i = x >> 1;
-    d[x] = static_cast<uint8_t>((x & 1) ? (3 * s[i] + s[i + 1] + 2) >> 2 : (3 * s[i] + s[i - 1] + 1) >> 2);
+    d[x] = static_cast<uint8_t>((x & 1) ? (3 * s[i] + s[i + 1] + 2) >> 2
+                                        : (3 * s[i] + s[i - 1] + 1) >> 2);
   }
 }
 
@@ -88,7 +90,8 @@ inline void UpH2V2Row(const uint8_t* n, const uint8_t* f, uint8_t* d, int width)
   auto col = [&](int i) { return 3 * n[i] + f[i]; };
   for (int x = 0; x < width; ++x) {
     const int i = x >> 1;
-    d[x] = static_cast<uint8_t>((x & 1) ? (3 * col(i) + col(i + 1) + 7) >> 4 : (3 * col(i) + col(i - 1) + 8) >> 4);
+    d[x] = static_cast<uint8_t>((x & 1) ? (3 * col(i) + col(i + 1) + 7) >> 4
+                                        : (3 * col(i) + col(i - 1) + 8) >> 4);
   }
 }
 
