@@ -131,6 +131,127 @@ inline int Category(int v) {
   return n;
 }
 
+
+// ---- Progressive scans driven block by block through the library ----
+
+struct ScanSpec {
+  int ss, se, ah, al;
+};
+
+// One block of a scan: its coefficients, DC predictor slot (component in the scan),
+// whether a restart marker precedes it, its table (index for statistics, specs for
+// coding).
+struct ProgItem {
+  Kro16s* blk;
+  int comp;
+  bool restart;
+  int tbl;
+  const KroiEncodeHuffmanSpec* etab;
+  const KroiDecodeHuffmanSpec* dtab;
+};
+
+// Symbol counts of a scan, per table index.
+inline KroStatus ProgStats(const ScanSpec& s, const std::vector<ProgItem>& items, std::vector<std::vector<int>>& stats) {
+  EncStateBuf st;
+  std::vector<Kro16s> last(8, 0);
+  KroStatus r = kroStatusOk;
+  auto flush = [&](int tbl) {
+    if (s.ss == 0) return;
+    KroStatus f = s.ah == 0 ? kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(nullptr, stats[tbl].data(), 0, 0, 0, st.get(), 1)
+                            : kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(nullptr, stats[tbl].data(), 0, 0, 0, st.get(), 1);
+    if (f != kroStatusOk) r = f;
+  };
+  for (const ProgItem& it : items) {
+    if (it.restart) {
+      flush(it.tbl);
+      std::fill(last.begin(), last.end(), 0);
+    }
+    KroStatus k = kroStatusOk;
+    if (s.ss == 0) {
+      if (s.ah == 0) k = kroiGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(it.blk, stats[it.tbl].data(), &last[it.comp], s.al);
+    } else if (s.ah == 0) {
+      k = kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(it.blk, stats[it.tbl].data(), s.ss, s.se, s.al, st.get(), 0);
+    } else {
+      k = kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(it.blk, stats[it.tbl].data(), s.ss, s.se, s.al, st.get(), 0);
+    }
+    if (k != kroStatusOk) r = k;
+  }
+  if (!items.empty()) flush(items.back().tbl);
+  return r;
+}
+
+// Encodes a scan; restart markers RST0..7 between intervals. *status: first failure.
+inline std::vector<uint8_t> ProgEncode(const ScanSpec& s, const std::vector<ProgItem>& items, KroStatus* status) {
+  std::vector<uint8_t> out(items.size() * 300 + 4096);
+  EncStateBuf st;
+  std::vector<Kro16s> last(8, 0);
+  int pos = 0, rst = 0;
+  *status = kroStatusOk;
+  auto note = [&](KroStatus k) {
+    if (k != kroStatusOk && *status == kroStatusOk) *status = k;
+  };
+  const int len = static_cast<int>(out.size());
+  auto flush = [&](const KroiEncodeHuffmanSpec* t) {
+    if (s.ss == 0 && s.ah == 0)
+      note(kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, nullptr, 0, nullptr, st.get(), 1));
+    else if (s.ss == 0)
+      note(kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, 0, st.get(), 1));
+    else if (s.ah == 0)
+      note(kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, 0, 0, 0, t, st.get(), 1));
+    else
+      note(kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, 0, 0, 0, t, st.get(), 1));
+  };
+  for (const ProgItem& it : items) {
+    if (it.restart) {
+      flush(it.etab);
+      out[pos++] = 0xFF;
+      out[pos++] = static_cast<uint8_t>(0xD0 + (rst++ & 7));
+      std::fill(last.begin(), last.end(), 0);
+    }
+    if (s.ss == 0 && s.ah == 0)
+      note(kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(it.blk, out.data(), len, &pos, &last[it.comp], s.al, it.etab, st.get(), 0));
+    else if (s.ss == 0)
+      note(kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(it.blk, out.data(), len, &pos, s.al, st.get(), 0));
+    else if (s.ah == 0)
+      note(kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(it.blk, out.data(), len, &pos, s.ss, s.se, s.al, it.etab, st.get(), 0));
+    else
+      note(kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(it.blk, out.data(), len, &pos, s.ss, s.se, s.al, it.etab, st.get(), 0));
+  }
+  flush(items.empty() ? nullptr : items.back().etab);
+  out.resize(static_cast<size_t>(pos));
+  return out;
+}
+
+// Decodes a scan into the items' blocks (refined in place). Returns the first failure.
+inline KroStatus ProgDecode(const ScanSpec& s, const std::vector<uint8_t>& data, const std::vector<ProgItem>& items) {
+  DecStateBuf st;
+  std::vector<Kro16s> last(8, 0);
+  int pos = 0, marker = 0;
+  const int len = static_cast<int>(data.size());
+  for (const ProgItem& it : items) {
+    if (it.restart) {
+      if (marker == 0) {
+        while (pos + 1 < len && !(data[pos] == 0xFF && data[pos + 1] != 0)) ++pos;
+        pos += 2;
+      }
+      marker = 0;
+      kroiDecodeHuffmanStateInit_JPEG_8u(st.get());
+      std::fill(last.begin(), last.end(), 0);
+    }
+    KroStatus k;
+    if (s.ss == 0 && s.ah == 0)
+      k = kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(data.data(), len, &pos, it.blk, &last[it.comp], &marker, s.al, it.dtab, st.get());
+    else if (s.ss == 0)
+      k = kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(data.data(), len, &pos, it.blk, &marker, s.al, st.get());
+    else if (s.ah == 0)
+      k = kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(data.data(), len, &pos, it.blk, &marker, s.ss, s.se, s.al, it.dtab, st.get());
+    else
+      k = kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(data.data(), len, &pos, it.blk, &marker, s.ss, s.se, s.al, it.dtab, st.get());
+    if (k != kroStatusOk) return k;
+  }
+  return kroStatusOk;
+}
+
 }  // namespace kro_test
 
 #endif  // KROJ_TESTS_HUFFMAN_TEST_UTIL_H_
