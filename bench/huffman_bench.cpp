@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Baseline Huffman coding on the quantised coefficients of a real photo, against
 // libjpeg-turbo writing and reading the same coefficients (jpeg_write_coefficients,
-// jpeg_read_coefficients). Figures are blocks per second.
+// jpeg_read_coefficients), and the progressive scan kinds against libjpeg-turbo reading
+// a progressive file of the same coefficients. Figures are blocks per second.
 #include <benchmark/benchmark.h>
 #include <stdio.h>
 #include <string.h>
 
 #include <vector>
 
+#include "../tests/huffman_test_util.h"
 #include "bench_util.h"
 #include "kroj.h"
 
@@ -222,6 +224,148 @@ BENCHMARK(BM_peer_huffman_DecodeBaseline)->Arg(1411)->Unit(benchmark::kMilliseco
 BENCHMARK(BM_huffman_DecodeDirect)->Arg(1411)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_peer_huffman_DecodeDirect)->Arg(1411)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_huffman_GetStatistics)->Arg(1411)->Unit(benchmark::kMillisecond);
+
+// ---- Progressive scans --------------------------------------------------------
+// The photo's blocks as one sequence through the scan script libjpeg-turbo uses for
+// luminance (jpeg_simple_progression), tables from the statistics of each scan.
+
+struct ProgScan {
+  kro_test::ScanSpec spec;
+  std::vector<uint8_t> bits, vals, data;
+  std::vector<Kro16s> before;  // decoder's coefficients before this scan
+};
+
+struct ProgSet {
+  std::vector<ProgScan> scans;
+  std::vector<uint8_t> peer_file;  // libjpeg-turbo's progressive file of the photo
+};
+
+const ProgSet& GetProg() {
+  static const ProgSet set = [] {
+    ProgSet ps;
+    Photo p = GetPhoto();
+    const std::vector<kro_test::ScanSpec> script = {{0, 0, 0, 1}, {1, 5, 0, 2},  {6, 63, 0, 2},
+                                                     {1, 63, 2, 1}, {0, 0, 1, 0}, {1, 63, 1, 0}};
+    std::vector<Kro16s> decoded(p.blocks.size(), 0);
+    for (const auto& spec : script) {
+      ProgScan sc;
+      sc.spec = spec;
+      std::vector<kro_test::ProgItem> items;
+      for (int b = 0; b < p.count(); ++b) items.push_back({&p.blocks[64 * size_t(b)], 0, false, 0, nullptr, nullptr});
+      std::vector<std::vector<int>> stats(1, std::vector<int>(256, 0));
+      kro_test::ProgStats(spec, items, stats);
+      sc.bits.assign(16, 0);
+      sc.vals.assign(256, 0);
+      kroiEncodeHuffmanRawTableInit_JPEG_8u(stats[0].data(), sc.bits.data(), sc.vals.data());
+      kro_test::EncTable e(sc.bits, sc.vals);
+      for (auto& it : items) it.etab = e.get();
+      KroStatus st;
+      sc.data = kro_test::ProgEncode(spec, items, &st);
+      sc.before = decoded;
+      kro_test::DecTable d(sc.bits, sc.vals);
+      for (int b = 0; b < p.count(); ++b) items[b] = {&decoded[64 * size_t(b)], 0, false, 0, nullptr, d.get()};
+      kro_test::ProgDecode(spec, sc.data, items);
+      ps.scans.push_back(std::move(sc));
+    }
+    const std::vector<uint8_t> file = kro_bench::ReadFile(kro_bench::DataPath("retina.jpg"));
+    Reader r(file);
+    jpeg_compress_struct c;
+    jpeg_error_mgr err;
+    c.err = jpeg_std_error(&err);
+    jpeg_create_compress(&c);
+    unsigned char* mem = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&c, &mem, &size);
+    jpeg_copy_critical_parameters(&r.d, &c);
+    jpeg_simple_progression(&c);
+    jpeg_write_coefficients(&c, r.arrays);
+    jpeg_finish_compress(&c);
+    jpeg_destroy_compress(&c);
+    ps.peer_file.assign(mem, mem + size);
+    free(mem);
+    return ps;
+  }();
+  return set;
+}
+
+enum class Kind { kDCFirst, kDCRefine, kACFirst, kACRefine };
+Kind KindOf(const kro_test::ScanSpec& s) {
+  if (s.ss == 0) return s.ah == 0 ? Kind::kDCFirst : Kind::kDCRefine;
+  return s.ah == 0 ? Kind::kACFirst : Kind::kACRefine;
+}
+
+// Blocks per second over all scans of one kind.
+void ProgEncodeKind(benchmark::State& state, Kind kind) {
+  Photo p = GetPhoto();
+  const ProgSet& ps = GetProg();
+  int blocks = 0;
+  for (auto _ : state) {
+    blocks = 0;
+    for (const ProgScan& sc : ps.scans) {
+      if (KindOf(sc.spec) != kind) continue;
+      kro_test::EncTable e(sc.bits, sc.vals);
+      std::vector<kro_test::ProgItem> items;
+      for (int b = 0; b < p.count(); ++b) items.push_back({&p.blocks[64 * size_t(b)], 0, false, 0, e.get(), nullptr});
+      KroStatus st;
+      benchmark::DoNotOptimize(kro_test::ProgEncode(sc.spec, items, &st).size());
+      blocks += p.count();
+    }
+  }
+  SetRate(state, blocks);
+}
+
+void ProgDecodeKind(benchmark::State& state, Kind kind, bool all) {
+  const ProgSet& ps = GetProg();
+  const int n = GetPhoto().count();
+  std::vector<Kro16s> work;
+  int blocks = 0;
+  for (auto _ : state) {
+    blocks = 0;
+    for (const ProgScan& sc : ps.scans) {
+      if (!all && KindOf(sc.spec) != kind) continue;
+      state.PauseTiming();
+      work = sc.before;
+      kro_test::DecTable d(sc.bits, sc.vals);
+      std::vector<kro_test::ProgItem> items;
+      for (int b = 0; b < n; ++b) items.push_back({&work[64 * size_t(b)], 0, false, 0, nullptr, d.get()});
+      state.ResumeTiming();
+      benchmark::DoNotOptimize(kro_test::ProgDecode(sc.spec, sc.data, items));
+      blocks += n;
+    }
+  }
+  SetRate(state, blocks);
+}
+
+void BM_huffman_ProgEncodeDCFirst(benchmark::State& s) { ProgEncodeKind(s, Kind::kDCFirst); }
+void BM_huffman_ProgEncodeDCRefine(benchmark::State& s) { ProgEncodeKind(s, Kind::kDCRefine); }
+void BM_huffman_ProgEncodeACFirst(benchmark::State& s) { ProgEncodeKind(s, Kind::kACFirst); }
+void BM_huffman_ProgEncodeACRefine(benchmark::State& s) { ProgEncodeKind(s, Kind::kACRefine); }
+void BM_huffman_ProgDecodeDCFirst(benchmark::State& s) { ProgDecodeKind(s, Kind::kDCFirst, false); }
+void BM_huffman_ProgDecodeDCRefine(benchmark::State& s) { ProgDecodeKind(s, Kind::kDCRefine, false); }
+void BM_huffman_ProgDecodeACFirst(benchmark::State& s) { ProgDecodeKind(s, Kind::kACFirst, false); }
+void BM_huffman_ProgDecodeACRefine(benchmark::State& s) { ProgDecodeKind(s, Kind::kACRefine, false); }
+// All six scans against libjpeg-turbo reading a progressive file of the same
+// coefficients with the same script (its three components each get their scans).
+void BM_huffman_ProgDecodeAll(benchmark::State& s) { ProgDecodeKind(s, Kind::kDCFirst, true); }
+void BM_peer_huffman_ProgDecodeAll(benchmark::State& state) {
+  const ProgSet& ps = GetProg();
+  for (auto _ : state) {
+    Reader r(ps.peer_file);
+    benchmark::DoNotOptimize(r.arrays);
+  }
+  SetRate(state, GetPhoto().count() * 6);
+}
+
+BENCHMARK(BM_huffman_ProgEncodeDCFirst)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_huffman_ProgEncodeDCRefine)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_huffman_ProgEncodeACFirst)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_huffman_ProgEncodeACRefine)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_huffman_ProgDecodeDCFirst)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_huffman_ProgDecodeDCRefine)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_huffman_ProgDecodeACFirst)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_huffman_ProgDecodeACRefine)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_huffman_ProgDecodeAll)->Arg(1411)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_peer_huffman_ProgDecodeAll)->Arg(1411)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
