@@ -5,7 +5,6 @@
 // The argument is the code-block style: 0 plain, 2 bypass, 4 terminate every pass,
 // 31 all of causal, bypass, terminate every pass, reset and segmentation symbols.
 #include <benchmark/benchmark.h>
-
 #include <cmath>
 #include <string>
 #include <vector>
@@ -114,11 +113,12 @@ struct Coded {
   int sf_bits, passes;
 };
 
-Coded EncodeOne(KroiEncodeState_JPEG2K* st, const std::vector<Kro32s>& src, int flags, int subband) {
+Coded EncodeOne(KroiEncodeState_JPEG2K* st, const std::vector<Kro32s>& src, int flags,
+                int subband) {
   Coded c{};
   int segments = 0;
-  kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(src.data(), kCb * 4, {kCb, kCb}, st, subband, kMagBits, 0, 0,
-                                         flags, &c.sf_bits, &c.passes, &segments);
+  kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(src.data(), kCb * 4, {kCb, kCb}, st, subband, kMagBits, 0,
+                                         0, flags, &c.sf_bits, &c.passes, &segments);
   c.data.resize(1 << 16);
   int len = static_cast<int>(c.data.size()), more = 0;
   kroiEncodeStoreBits_JPEG2K_1u(c.data.data(), &len, st, &more);
@@ -144,10 +144,12 @@ void BM_codeblock_Encode(benchmark::State& state, bool lossy) {
   size_t bytes = 0;
   for (auto _ : state) {
     bytes = 0;
-    for (size_t i = 0; i < inputs.size(); ++i) bytes += EncodeOne(st, inputs[i], flags, bands[i]).data.size();
+    for (size_t i = 0; i < inputs.size(); ++i)
+      bytes += EncodeOne(st, inputs[i], flags, bands[i]).data.size();
   }
   kroiEncodeFree_JPEG2K(st);
-  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(inputs.size()) * kCb * kCb);
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) *
+                          static_cast<int64_t>(inputs.size()) * kCb * kCb);
   state.counters["bytes"] = static_cast<double>(bytes);
 }
 
@@ -168,24 +170,45 @@ void BM_codeblock_Decode(benchmark::State& state, bool lossy) {
     for (size_t i = 0; i < coded.size(); ++i) {
       const Coded& c = coded[i];
       const int sf = c.sf_bits > 31 - kMagBits ? c.sf_bits - (31 - kMagBits) : 0;
-      kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(c.data.empty() ? &empty : c.data.data(), out.data(), kCb * 4,
-                                           {kCb, kCb}, blocks[i].subband, sf, c.passes,
-                                           c.seg_len.empty() ? &size : c.seg_len.data(),
-                                           static_cast<int>(c.seg_len.size()), flags, nullptr,
-                                           reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(dec_state.data()));
+      kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
+          c.data.empty() ? &empty : c.data.data(), out.data(), kCb * 4, {kCb, kCb},
+          blocks[i].subband, sf, c.passes, c.seg_len.empty() ? &size : c.seg_len.data(),
+          static_cast<int>(c.seg_len.size()), flags, nullptr,
+          reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(dec_state.data()));
       benchmark::DoNotOptimize(out.data());
     }
   }
-  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(coded.size()) * kCb * kCb);
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) *
+                          static_cast<int64_t>(coded.size()) * kCb * kCb);
 }
 
 void BM_codeblock_Encode_lossless(benchmark::State& s) { BM_codeblock_Encode(s, false); }
 void BM_codeblock_Encode_lossy(benchmark::State& s) { BM_codeblock_Encode(s, true); }
 void BM_codeblock_Decode_lossless(benchmark::State& s) { BM_codeblock_Decode(s, false); }
 void BM_codeblock_Decode_lossy(benchmark::State& s) { BM_codeblock_Decode(s, true); }
-BENCHMARK(BM_codeblock_Encode_lossless)->Arg(0)->Arg(2)->Arg(4)->Arg(31)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_codeblock_Encode_lossy)->Arg(0)->Arg(2)->Arg(4)->Arg(31)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_codeblock_Decode_lossless)->Arg(0)->Arg(2)->Arg(4)->Arg(31)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_codeblock_Decode_lossy)->Arg(0)->Arg(2)->Arg(4)->Arg(31)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_codeblock_Encode_lossless)
+    ->Arg(0)
+    ->Arg(2)
+    ->Arg(4)
+    ->Arg(31)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_codeblock_Encode_lossy)
+    ->Arg(0)
+    ->Arg(2)
+    ->Arg(4)
+    ->Arg(31)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_codeblock_Decode_lossless)
+    ->Arg(0)
+    ->Arg(2)
+    ->Arg(4)
+    ->Arg(31)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_codeblock_Decode_lossy)
+    ->Arg(0)
+    ->Arg(2)
+    ->Arg(4)
+    ->Arg(31)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -163,10 +163,12 @@ void ClearBelow(Kro32s* block, int step, KroiSize size, int p) {
 
 using namespace kro;
 
-KRO_EXPORT KroStatus kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
-    const Kro8u* pSrc, Kro32s* pDst, int dstStep, KroiSize codeBlockSize, int subband, int sfBits,
-    int nOfPasses, const int* pTermLen, int nOfTermPasses, int codeStyleFlags, int* pErrorBitPlane,
-    KroiDecodeCBProgrState_JPEG2K* pState) {
+KRO_EXPORT KroStatus kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(const Kro8u* pSrc, Kro32s* pDst,
+                                                          int dstStep, KroiSize codeBlockSize,
+                                                          int subband, int sfBits, int nOfPasses,
+                                                          const int* pTermLen, int nOfTermPasses,
+                                                          int codeStyleFlags, int* pErrorBitPlane,
+                                                          KroiDecodeCBProgrState_JPEG2K* pState) {
   if (AnyNull(pSrc, pState)) return kroStatusNullPointer;
   if (BadSize(codeBlockSize)) return kroStatusBadSize;
   if (AnyNull(pTermLen, pDst)) return kroStatusNullPointer;

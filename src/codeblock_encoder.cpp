@@ -80,7 +80,9 @@ struct PassRecorder {
 
   uint32_t Value(int x, int y) const { return static_cast<uint32_t>(RowPtr(src, step, y)[x]); }
   uint32_t Mag(int x, int y) const { return Value(x, y) & 0x7FFFFFFFu; }
-  void Put(int ctx, uint32_t bit) { out[n++] = static_cast<Kro8u>((ctx << 1) | static_cast<int>(bit)); }
+  void Put(int ctx, uint32_t bit) {
+    out[n++] = static_cast<Kro8u>((ctx << 1) | static_cast<int>(bit));
+  }
   // Six (Fs) or seven (Fm) magnitude bits from plane p down; missing planes below 0 read 0.
   uint32_t Index(uint32_t m, uint32_t mask) const {
     return (p >= 6 ? m >> (p - 6) : m << (6 - p)) & mask;
@@ -93,8 +95,10 @@ struct PassRecorder {
   }
   uint32_t Sign(uint32_t lut, int x, int y) {
     const uint32_t s = Value(x, y) >> 31;
-    if (raw) Put(0, s);
-    else Put(static_cast<int>(lut & 0xFF), s ^ (lut >> 31));
+    if (raw)
+      Put(0, s);
+    else
+      Put(static_cast<int>(lut & 0xFF), s ^ (lut >> 31));
     return s;
   }
   void Significant(int x, int y, uint32_t) { dist = AddWrap32(dist, fs[Index(Mag(x, y), 63)]); }
@@ -137,7 +141,13 @@ struct Coding {
 void RunPass(Coding& c, PassType type, int p, bool raw) {
   Book& bk = *c.bk;
   const bool exact = c.lossless && p == c.p_low;
-  PassRecorder rec{c.src,   c.step, p, raw, c.st->decisions, bk.total_dec, 0,
+  PassRecorder rec{c.src,
+                   c.step,
+                   p,
+                   raw,
+                   c.st->decisions,
+                   bk.total_dec,
+                   0,
                    exact ? FsLossless_LUT.data() : FsLossy_LUT.data(),
                    exact ? FmLossless_LUT.data() : FmLossy_LUT.data()};
   if (type == PassType::kPropagation) {
@@ -241,13 +251,17 @@ int decEncoderMQEncodeAndTerminate(Book& bk, const Kro8u* decisions, Kro8u* dst,
       MqEncoder& e = bk.mq;
       if (e.qr == e.qw) e.qr = e.qw = 0;
       const Kro8u d = decisions[bk.cursor++];
-      if (bk.pass_raw[bk.pass]) RawPutBit(e, d & 1);
-      else mqEncode(e, d & 1, d >> 1);
+      if (bk.pass_raw[bk.pass])
+        RawPutBit(e, d & 1);
+      else
+        mqEncode(e, d & 1, d >> 1);
       continue;
     }
     if (!bk.terminated && SegmentEndsAt(bk, bk.pass)) {
-      if (bk.pass_raw[bk.pass]) RawTerminate(bk.mq);
-      else MqTerminate(bk.mq, bk.term_type);
+      if (bk.pass_raw[bk.pass])
+        RawTerminate(bk.mq);
+      else
+        MqTerminate(bk.mq, bk.term_type);
       bk.terminated = 1;
       continue;
     }
@@ -269,11 +283,12 @@ using namespace kro;
 using enc::State;
 
 KRO_EXPORT KroStatus kroiEncodeInitAlloc_JPEG2K(KroiEncodeState_JPEG2K** ppState,
-                                               KroiSize maxCodeBlockSize) {
+                                                KroiSize maxCodeBlockSize) {
   if (ppState == nullptr) return kroStatusNullPointer;
   if (BadSize(maxCodeBlockSize)) return kroStatusBadSize;
   *ppState = nullptr;
-  const int64_t columns = int64_t{maxCodeBlockSize.width} * ((int64_t{maxCodeBlockSize.height} + 3) / 4);
+  const int64_t columns =
+      int64_t{maxCodeBlockSize.width} * ((int64_t{maxCodeBlockSize.height} + 3) / 4);
   const int64_t nbh_bytes = t1::NbhBytes(maxCodeBlockSize.width, maxCodeBlockSize.height);
   if (columns > INT_MAX / enc::kDecisionsPerColumn || nbh_bytes > INT_MAX) return kroStatusNoMemory;
   const int64_t decision_bytes = enc::kDecisionsPerColumn * columns;
@@ -351,9 +366,15 @@ KRO_EXPORT KroStatus kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
   s.cur_exp = 2 * (top - p_low) - 13;
   s.pass_index = 0;
 
-  enc::Coding c{&s, &bk, t1::MakeNbh(s.nbh, w, h, (codeStyleFlags & t1::kFlagCausal) != 0),
-                t1::ZeroCodingTable(subband), pSrc, srcStep, p_low,
-                (codeStyleFlags & t1::kFlagLossless) != 0, (codeStyleFlags & t1::kFlagSegSym) != 0};
+  enc::Coding c{&s,
+                &bk,
+                t1::MakeNbh(s.nbh, w, h, (codeStyleFlags & t1::kFlagCausal) != 0),
+                t1::ZeroCodingTable(subband),
+                pSrc,
+                srcStep,
+                p_low,
+                (codeStyleFlags & t1::kFlagLossless) != 0,
+                (codeStyleFlags & t1::kFlagSegSym) != 0};
   if (top >= p_low) {
     enc::RunPass(c, enc::PassType::kCleanup, top, false);
     s.cur_exp -= 2;
@@ -376,8 +397,8 @@ KRO_EXPORT KroStatus kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
 }
 
 KRO_EXPORT KroStatus kroiEncodeStoreBits_JPEG2K_1u(Kro8u* pDst, int* pDstLen,
-                                                  KroiEncodeState_JPEG2K* pState,
-                                                  int* pIsNotFinish) {
+                                                   KroiEncodeState_JPEG2K* pState,
+                                                   int* pIsNotFinish) {
   if (pState == nullptr) return kroStatusNullPointer;
   if (enc::BadId(pState)) return kroStatusContextMismatch;
   if (AnyNull(pDst, pDstLen, pIsNotFinish)) return kroStatusNullPointer;
@@ -389,7 +410,7 @@ KRO_EXPORT KroStatus kroiEncodeStoreBits_JPEG2K_1u(Kro8u* pDst, int* pDstLen,
 }
 
 KRO_EXPORT KroStatus kroiEncodeGetRate_JPEG2K(const KroiEncodeState_JPEG2K* pState, int nPass,
-                                             int* pRate) {
+                                              int* pRate) {
   if (pState == nullptr) return kroStatusNullPointer;
   if (enc::BadId(pState)) return kroStatusContextMismatch;
   if (pRate == nullptr) return kroStatusNullPointer;
@@ -399,7 +420,7 @@ KRO_EXPORT KroStatus kroiEncodeGetRate_JPEG2K(const KroiEncodeState_JPEG2K* pSta
 }
 
 KRO_EXPORT KroStatus kroiEncodeGetDistReduction_JPEG2K(const KroiEncodeState_JPEG2K* pState,
-                                                      int nPass, int* pMantissa, int* pExponent) {
+                                                       int nPass, int* pMantissa, int* pExponent) {
   if (pState == nullptr) return kroStatusNullPointer;
   if (enc::BadId(pState)) return kroStatusContextMismatch;
   if (AnyNull(pMantissa, pExponent)) return kroStatusNullPointer;
@@ -410,20 +431,21 @@ KRO_EXPORT KroStatus kroiEncodeGetDistReduction_JPEG2K(const KroiEncodeState_JPE
 }
 
 KRO_EXPORT KroStatus kroiEncodeGetDist_JPEG2K(const KroiEncodeState_JPEG2K* pState, int nPass,
-                                             double* pDist) {
+                                              double* pDist) {
   if (pState == nullptr) return kroStatusNullPointer;
   if (enc::BadId(pState)) return kroStatusContextMismatch;
   if (pDist == nullptr) return kroStatusNullPointer;
   if (enc::BadPass(pState, nPass)) return kroStatusJPEG2KBadPassNumber;
   // 2^e is exact in double for every exponent a block can produce (-13 up to 47).
   double dist = 0.0;
-  for (int k = 0; k <= nPass; ++k) dist += std::ldexp(static_cast<double>(pState->dist_mant[k]), pState->dist_exp[k]);
+  for (int k = 0; k <= nPass; ++k)
+    dist += std::ldexp(static_cast<double>(pState->dist_mant[k]), pState->dist_exp[k]);
   *pDist = dist;
   return kroStatusOk;
 }
 
 KRO_EXPORT KroStatus kroiEncodeGetTermPassLen_JPEG2K(const KroiEncodeState_JPEG2K* pState,
-                                                    int nTermPass, int* pLength) {
+                                                     int nTermPass, int* pLength) {
   if (pState == nullptr) return kroStatusNullPointer;
   if (enc::BadId(pState)) return kroStatusContextMismatch;
   if (pLength == nullptr) return kroStatusNullPointer;

@@ -136,7 +136,8 @@ using namespace kro;
 KRO_EXPORT KroStatus kroiDecodeCBProgrGetStateSize_JPEG2K(KroiSize codeBlockSize, int* pSize) {
   if (BadSize(codeBlockSize)) return kroStatusBadSize;
   if (pSize == nullptr) return kroStatusNullPointer;
-  const int64_t size = t1::NbhBytes(codeBlockSize.width, codeBlockSize.height) + t1::kProgrFixedBytes;
+  const int64_t size =
+      t1::NbhBytes(codeBlockSize.width, codeBlockSize.height) + t1::kProgrFixedBytes;
   if (size > INT_MAX) return kroStatusBadSize;
   *pSize = static_cast<int>(size);
   return kroStatusOk;
@@ -201,7 +202,8 @@ KRO_EXPORT KroStatus kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(Kro32s* pDst, int ds
   mqDecoderResetCtx(s.mq);
   s.zc = t1::ZeroCodingTable(subband);
   const int64_t first_raw = int64_t{sfBits} - 4;
-  s.first_raw = (codeStyleFlags & t1::kFlagBypass) && first_raw > 0 ? static_cast<Kro32s>(first_raw) : 0;
+  s.first_raw =
+      (codeStyleFlags & t1::kFlagBypass) && first_raw > 0 ? static_cast<Kro32s>(first_raw) : 0;
   s.bitplane = sfBits > INT_MIN ? sfBits - 1 : INT_MIN;
   s.kind = t1::kCleanupFirst;
   s.remaining = 0;
@@ -244,7 +246,7 @@ KRO_EXPORT KroStatus kroiDecodeCBProgrStep_JPEG2K(const Kro8u* pSegment, int seg
   ProgrState& s = *pState;
   if (s.remaining <= 0 || s.bitplane < 0) return kroStatusOk;
   const int err = (s.flags & t1::kFlagTermAll) ? StepOnePass(s, pSegment, segmentLength)
-                                                : StepSegment(s, pSegment, segmentLength);
+                                               : StepSegment(s, pSegment, segmentLength);
   if (err) {
     s.error = 1;
     return kroStatusJPEG2KCorruptCodeBlock;

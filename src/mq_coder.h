@@ -30,14 +30,18 @@ struct ByteChain {
   int32_t pos;
 };
 
-inline uint32_t byteChainGetCurr(const ByteChain& b) { return b.pos < b.length ? b.data[b.pos] : 0xFFu; }
+inline uint32_t byteChainGetCurr(const ByteChain& b) {
+  return b.pos < b.length ? b.data[b.pos] : 0xFFu;
+}
 inline uint32_t byteChainGetNext(const ByteChain& b) {
   return b.pos + 1 < b.length ? b.data[b.pos + 1] : 0xFFu;
 }
 inline uint32_t byteChainRead(ByteChain& b) {
   const uint32_t v = byteChainGetCurr(b);
-  if (b.pos < b.length) ++b.pos;
-  else b.pos = b.length + 1;  // stays "past the end" without growing
+  if (b.pos < b.length)
+    ++b.pos;
+  else
+    b.pos = b.length + 1;  // stays "past the end" without growing
   return v;
 }
 // Whether the byte that the last byteChainRead returned came from the segment.
@@ -281,12 +285,16 @@ inline void mqEncode(MqEncoder& e, int bit, int cx) {
       e.c += t.qe;
       return;
     }
-    if (e.a < t.qe) e.a = t.qe;
-    else e.c += t.qe;
+    if (e.a < t.qe)
+      e.a = t.qe;
+    else
+      e.c += t.qe;
     st = static_cast<uint8_t>(t.next_mps);
   } else {
-    if (e.a < t.qe) e.c += t.qe;
-    else e.a = t.qe;
+    if (e.a < t.qe)
+      e.c += t.qe;
+    else
+      e.a = t.qe;
     st = static_cast<uint8_t>(t.next_lps);
   }
   do {
@@ -408,9 +416,12 @@ inline void TerminatePredictable(MqEncoder& e) {
 // Terminates the current MQ segment with termination type 0 (flush), 1 (minimal) or
 // 2 (predictable); any other value flushes. The final bytes are queued.
 inline void MqTerminate(MqEncoder& e, int term_type) {
-  if (term_type == kroMQTermMinimal) TerminateMinimal(e);
-  else if (term_type == kroMQTermPredictable) TerminatePredictable(e);
-  else TerminateFlush(e);
+  if (term_type == kroMQTermMinimal)
+    TerminateMinimal(e);
+  else if (term_type == kroMQTermPredictable)
+    TerminatePredictable(e);
+  else
+    TerminateFlush(e);
   e.hold_ones = 0;
 }
 

@@ -2,10 +2,9 @@
 // Code-block encoder, one-call decoder and step-wise decoder: argument and state checks,
 // round trips over every coding style and termination, truncation at the reported
 // rates, distortion bookkeeping against the error actually removed, corruption.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
+#include <gtest/gtest.h>
 #include <vector>
 
 #include "kroj.h"
@@ -30,10 +29,10 @@ struct Coded {
 Coded Encode(KroiEncodeState_JPEG2K* st, const Block& b, int w, int h, int subband, int mag_bits,
              int term, int flags, int chunk, uint64_t seed = 1) {
   Coded c;
-  EXPECT_EQ(kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(b.data(), w * 4, {w, h}, st, subband, mag_bits,
-                                                   term, 0, flags, &c.sf_bits, &c.passes,
-                                                   &c.segments),
-            kroStatusOk);
+  EXPECT_EQ(
+      kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(b.data(), w * 4, {w, h}, st, subband, mag_bits, term,
+                                             0, flags, &c.sf_bits, &c.passes, &c.segments),
+      kroStatusOk);
   kro_test::Rng rng(seed);
   int not_finished = 1;
   while (not_finished) {
@@ -72,8 +71,8 @@ Decoded DecodeOneCall(const Bytes& data, const std::vector<int>& seg_len, int w,
   const int no_len = 0;
   d.status = kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
       data.empty() ? &dummy : data.data(), d.v.data(), w * 4, {w, h}, subband, sf_bits, passes,
-      seg_len.empty() ? &no_len : seg_len.data(), static_cast<int>(seg_len.size()), flags, &d.error_plane,
-      reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(state.data()));
+      seg_len.empty() ? &no_len : seg_len.data(), static_cast<int>(seg_len.size()), flags,
+      &d.error_plane, reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(state.data()));
   return d;
 }
 
@@ -84,14 +83,16 @@ Block DecodeStepwise(const Bytes& data, const std::vector<int>& seg_len, int w, 
   KroiDecodeCBProgrState_JPEG2K* st = nullptr;
   EXPECT_EQ(kroiDecodeCBProgrInitAlloc_JPEG2K(&st, {w, h}), kroStatusOk);
   Block v(static_cast<size_t>(w) * h, 7);
-  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(v.data(), w * 4, {w, h}, st, subband, sf_bits, flags),
-            kroStatusOk);
+  EXPECT_EQ(
+      kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(v.data(), w * 4, {w, h}, st, subband, sf_bits, flags),
+      kroStatusOk);
   EXPECT_EQ(kroiDecodeCBProgrSetPassCounter_JPEG2K(passes, st), kroStatusOk);
   size_t pos = 0;
   for (int len : seg_len) {
     Bytes seg(data.begin() + static_cast<long>(pos), data.begin() + static_cast<long>(pos + len));
     const uint8_t dummy = 0;
-    EXPECT_EQ(kroiDecodeCBProgrStep_JPEG2K(seg.empty() ? &dummy : seg.data(), len, st), kroStatusOk);
+    EXPECT_EQ(kroiDecodeCBProgrStep_JPEG2K(seg.empty() ? &dummy : seg.data(), len, st),
+              kroStatusOk);
     pos += static_cast<size_t>(len);
   }
   int left = -1;
@@ -167,7 +168,8 @@ TEST(CodeBlockEncoder, ArgumentAndStateChecks) {
 
   Kro8u out[16];
   int len = 16, more = 0;
-  EXPECT_EQ(kroiEncodeStoreBits_JPEG2K_1u(nullptr, nullptr, nullptr, nullptr), kroStatusNullPointer);
+  EXPECT_EQ(kroiEncodeStoreBits_JPEG2K_1u(nullptr, nullptr, nullptr, nullptr),
+            kroStatusNullPointer);
   EXPECT_EQ(kroiEncodeStoreBits_JPEG2K_1u(nullptr, &len, bad, &more), kroStatusContextMismatch);
   EXPECT_EQ(kroiEncodeStoreBits_JPEG2K_1u(out, &len, st, nullptr), kroStatusNullPointer);
   len = 0;
@@ -187,7 +189,8 @@ TEST(CodeBlockEncoder, ArgumentAndStateChecks) {
   EXPECT_EQ(kroiEncodeGetDist_JPEG2K(st, np, &d), kroStatusJPEG2KBadPassNumber);
   EXPECT_EQ(kroiEncodeGetTermPassLen_JPEG2K(bad, 0, nullptr), kroStatusContextMismatch);
   EXPECT_EQ(kroiEncodeGetTermPassLen_JPEG2K(st, 0, nullptr), kroStatusNullPointer);
-  EXPECT_EQ(kroiEncodeGetTermPassLen_JPEG2K(st, 1, &v), kroStatusJPEG2KBadPassNumber);  // one segment
+  EXPECT_EQ(kroiEncodeGetTermPassLen_JPEG2K(st, 1, &v),
+            kroStatusJPEG2KBadPassNumber);  // one segment
   EXPECT_EQ(kroiEncodeGetTermPassLen_JPEG2K(st, 0, &v), kroStatusOk);
 
   EXPECT_EQ(kroiEncodeFree_JPEG2K(nullptr), kroStatusNullPointer);
@@ -216,11 +219,16 @@ TEST(CodeBlockDecoder, ArgumentAndStateChecks) {
   EXPECT_EQ(kroiDecodeCBProgrInit_JPEG2K(nullptr), kroStatusNullPointer);
   EXPECT_EQ(kroiDecodeCBProgrFree_JPEG2K(nullptr), kroStatusNullPointer);
   EXPECT_EQ(kroiDecodeCBProgrFree_JPEG2K(bad), kroStatusContextMismatch);
-  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(nullptr, 0, {0, 0}, nullptr, 0, 4, 0), kroStatusNullPointer);
-  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(nullptr, 0, {0, 0}, bad, 0, 4, 0), kroStatusContextMismatch);
-  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(nullptr, 0, {0, 0}, st, 0, 4, 0), kroStatusNullPointer);
-  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), 0, {0, 0}, st, 0, 4, 0), kroStatusBadStep);
-  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), 32, {0, 8}, st, 0, 4, 0), kroStatusBadSize);
+  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(nullptr, 0, {0, 0}, nullptr, 0, 4, 0),
+            kroStatusNullPointer);
+  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(nullptr, 0, {0, 0}, bad, 0, 4, 0),
+            kroStatusContextMismatch);
+  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(nullptr, 0, {0, 0}, st, 0, 4, 0),
+            kroStatusNullPointer);
+  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), 0, {0, 0}, st, 0, 4, 0),
+            kroStatusBadStep);
+  EXPECT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), 32, {0, 8}, st, 0, 4, 0),
+            kroStatusBadSize);
   EXPECT_EQ(kroiDecodeCBProgrSetPassCounter_JPEG2K(3, nullptr), kroStatusNullPointer);
   EXPECT_EQ(kroiDecodeCBProgrSetPassCounter_JPEG2K(3, bad), kroStatusContextMismatch);
   EXPECT_EQ(kroiDecodeCBProgrGetPassCounter_JPEG2K(st, nullptr), kroStatusNullPointer);
@@ -233,9 +241,11 @@ TEST(CodeBlockDecoder, ArgumentAndStateChecks) {
 
   // Attach zeroes the block (unless told not to), sets plane sfBits - 1; no passes: no-op.
   std::fill(dst.begin(), dst.end(), 9);
-  ASSERT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), 32, {8, 8}, st, 0, 6, kKeepDst), kroStatusOk);
+  ASSERT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), 32, {8, 8}, st, 0, 6, kKeepDst),
+            kroStatusOk);
   EXPECT_EQ(dst[63], 9);
-  ASSERT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), 32, {8, 8}, st, 0, 6, 0), kroStatusOk);
+  ASSERT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), 32, {8, 8}, st, 0, 6, 0),
+            kroStatusOk);
   EXPECT_EQ(dst[63], 0);
   EXPECT_EQ(kroiDecodeCBProgrGetCurBitPlaneNum_JPEG2K(st, &v), kroStatusOk);
   EXPECT_EQ(v, 5);
@@ -245,7 +255,8 @@ TEST(CodeBlockDecoder, ArgumentAndStateChecks) {
   EXPECT_EQ(kroiDecodeCBProgrFree_JPEG2K(st), kroStatusOk);
 
   const int term_len[1] = {1};
-  auto one = [&](const Kro8u* s, Kro32s* p, int step, KroiSize sz, const int* tl, KroiDecodeCBProgrState_JPEG2K* ps) {
+  auto one = [&](const Kro8u* s, Kro32s* p, int step, KroiSize sz, const int* tl,
+                 KroiDecodeCBProgrState_JPEG2K* ps) {
     return kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(s, p, step, sz, 0, 4, 1, tl, 1, 0, nullptr, ps);
   };
   EXPECT_EQ(one(seg, dst.data(), 0, {0, 0}, term_len, nullptr), kroStatusNullPointer);
@@ -261,7 +272,8 @@ TEST(CodeBlockDecoder, ArgumentAndStateChecks) {
 // one-call and the step-wise decoder give the coefficients back, and the bytes, rates
 // and lengths do not depend on how the caller drains them.
 TEST(CodeBlock, RoundTripEveryStyle) {
-  const KroiSize sizes[] = {{1, 1}, {1, 6}, {7, 1}, {3, 3}, {4, 4}, {5, 8}, {13, 17}, {32, 32}, {64, 64}};
+  const KroiSize sizes[] = {{1, 1}, {1, 6},   {7, 1},   {3, 3},  {4, 4},
+                            {5, 8}, {13, 17}, {32, 32}, {64, 64}};
   kro_test::Rng rng(21);
   int blocks = 0;
   for (int flags = 0; flags < 32; ++flags) {
@@ -277,10 +289,12 @@ TEST(CodeBlock, RoundTripEveryStyle) {
         const Block src = WithSigns(rng, mag, 31 - mag_bits);
         KroiEncodeState_JPEG2K* st = nullptr;
         ASSERT_EQ(kroiEncodeInitAlloc_JPEG2K(&st, s), kroStatusOk);
-        const Coded c = Encode(st, src, s.width, s.height, subband, mag_bits, term, flags, 0, blocks);
+        const Coded c =
+            Encode(st, src, s.width, s.height, subband, mag_bits, term, flags, 0, blocks);
         if (rep == 1) {  // byte by byte and all at once give the same
           const Coded c1 = Encode(st, src, s.width, s.height, subband, mag_bits, term, flags, 1);
-          const Coded call = Encode(st, src, s.width, s.height, subband, mag_bits, term, flags, 1 << 20);
+          const Coded call =
+              Encode(st, src, s.width, s.height, subband, mag_bits, term, flags, 1 << 20);
           EXPECT_EQ(c1.data, c.data);
           EXPECT_EQ(call.data, c.data);
           EXPECT_EQ(c1.rate, c.rate);
@@ -300,10 +314,14 @@ TEST(CodeBlock, RoundTripEveryStyle) {
         if (!(flags & kTermAll) && (!(flags & kBypass) || dec_sf <= 4)) ASSERT_LE(c.segments, 1);
 
         const int dflags = (flags & 31) | (term == kroMQTermPredictable ? kCheck : 0);
-        const Decoded d = DecodeOneCall(c.data, c.seg_len, s.width, s.height, subband, dec_sf, c.passes, dflags);
+        const Decoded d =
+            DecodeOneCall(c.data, c.seg_len, s.width, s.height, subband, dec_sf, c.passes, dflags);
         ASSERT_EQ(d.status, kroStatusOk) << flags << " " << term;
-        ASSERT_EQ(d.v, want) << "flags " << flags << " term " << term << " size " << s.width << "x" << s.height;
-        ASSERT_EQ(DecodeStepwise(c.data, c.seg_len, s.width, s.height, subband, dec_sf, c.passes, dflags), want);
+        ASSERT_EQ(d.v, want) << "flags " << flags << " term " << term << " size " << s.width << "x"
+                             << s.height;
+        ASSERT_EQ(
+            DecodeStepwise(c.data, c.seg_len, s.width, s.height, subband, dec_sf, c.passes, dflags),
+            want);
       }
     }
   }
@@ -320,7 +338,8 @@ TEST(CodeBlock, TruncationAtReportedRates) {
     const int flags = static_cast<int>(rng.Int(0, 31)) & ~kSegSym;
     const int term = static_cast<int>(rng.Int(0, 2));
     const int mag_bits = static_cast<int>(rng.Int(3, 12));
-    const Block src = WithSigns(rng, RandomMagnitudes(rng, w * h, mag_bits, iter % 3), 31 - mag_bits);
+    const Block src =
+        WithSigns(rng, RandomMagnitudes(rng, w * h, mag_bits, iter % 3), 31 - mag_bits);
     KroiEncodeState_JPEG2K* st = nullptr;
     ASSERT_EQ(kroiEncodeInitAlloc_JPEG2K(&st, {w, h}), kroStatusOk);
     const Coded c = Encode(st, src, w, h, iter & 3, mag_bits, term, flags, 0, iter);
@@ -338,10 +357,12 @@ TEST(CodeBlock, TruncationAtReportedRates) {
       const Bytes head(c.data.begin(), c.data.begin() + c.rate[k]);
       for (int keep = 0; keep < 2; ++keep) {
         const int dflags = flags | (keep ? kNoClear : 0);
-        const Decoded full = DecodeOneCall(c.data, c.seg_len, w, h, iter & 3, dec_sf, k + 1, dflags);
+        const Decoded full =
+            DecodeOneCall(c.data, c.seg_len, w, h, iter & 3, dec_sf, k + 1, dflags);
         const Decoded part = DecodeOneCall(head, cut, w, h, iter & 3, dec_sf, k + 1, dflags);
-        ASSERT_EQ(part.v, full.v) << "iter " << iter << " pass " << k << " flags " << flags << " term " << term
-                                  << " rate " << c.rate[k] << " size " << c.data.size() << " " << w << "x" << h;
+        ASSERT_EQ(part.v, full.v) << "iter " << iter << " pass " << k << " flags " << flags
+                                  << " term " << term << " rate " << c.rate[k] << " size "
+                                  << c.data.size() << " " << w << "x" << h;
         const int plane = dec_sf - 1 - (k + 2) / 3;  // plane of pass k
         for (size_t i = 0; i < want.size(); ++i) {
           const uint32_t m = Mag(want[i]), got = Mag(full.v[i]);
@@ -396,7 +417,8 @@ TEST(CodeBlock, DistortionMatchesDecodedError) {
     double before = error(Block(mag.size(), 0));
     double sum = 0;
     for (int k = 0; k < c.passes; ++k) {
-      const Decoded d = DecodeOneCall(c.data, c.seg_len, w, h, 0, dec_sf + extra, k + 1, flags | kNoClear);
+      const Decoded d =
+          DecodeOneCall(c.data, c.seg_len, w, h, 0, dec_sf + extra, k + 1, flags | kNoClear);
       const double after = error(d.v);
       int mant = 0, expo = 0;
       ASSERT_EQ(kroiEncodeGetDistReduction_JPEG2K(st, k, &mant, &expo), kroStatusOk);
@@ -430,7 +452,8 @@ TEST(CodeBlock, CorruptionDetectionAndConcealment) {
     for (size_t i = 0; i < c.data.size(); i += 1 + c.data.size() / 40) {
       Bytes bad = c.data;
       bad[i] ^= static_cast<uint8_t>(rng.Int(1, 255));
-      const Decoded d = DecodeOneCall(bad, c.seg_len, w, h, 3, dec_sf, c.passes, flags | kCheck | kConceal);
+      const Decoded d =
+          DecodeOneCall(bad, c.seg_len, w, h, 3, dec_sf, c.passes, flags | kCheck | kConceal);
       ++altered;
       if (d.status != kroStatusJPEG2KCorruptCodeBlock) continue;
       ++detected;
@@ -459,7 +482,8 @@ TEST(CodeBlock, CorruptionDetectionAndConcealment) {
     ASSERT_EQ(kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(dst.data(), w * 4, {w, h}, st, iter & 3,
                                                      static_cast<int>(rng.Int(0, 31)), flags),
               kroStatusOk);
-    ASSERT_EQ(kroiDecodeCBProgrSetPassCounter_JPEG2K(static_cast<int>(rng.Int(0, 100)), st), kroStatusOk);
+    ASSERT_EQ(kroiDecodeCBProgrSetPassCounter_JPEG2K(static_cast<int>(rng.Int(0, 100)), st),
+              kroStatusOk);
     bool failed = false;
     for (int s = 0; s < 40; ++s) {
       Bytes seg(static_cast<size_t>(rng.Int(0, 30)));

