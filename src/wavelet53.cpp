@@ -13,12 +13,18 @@ struct Fwd53 {
   static void Run(const Line& line, int n, int p, uint8_t* buf) {
     Fwd53Pass<T>(line, n, p, buf);
   }
+  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+    Fwd53Vertical<T>(img, step, w, n, p, buf);
+  }
 };
 template <class T>
 struct Inv53 {
   template <class Line>
   static void Run(const Line& line, int n, int p, uint8_t* buf) {
     Inv53Pass<T>(line, n, p, buf);
+  }
+  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+    Inv53Vertical<T>(img, step, w, n, p, buf);
   }
 };
 
@@ -33,13 +39,15 @@ void Inv53InPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
 
 template <class T>
 struct Region53 {
-  template <class S, class D>
+  template <int N>
+  using Op = std::conditional_t<N == 1, ref::Lift53<T>, Lanes53<T, N>>;
+  template <int N, class S, class D>
   static void Fwd(const S& x, const D& low, const D& high, int w, bool phase) {
-    ref::Fwd53Region<T>(x, low, high, w, phase);
+    ref::Fwd53Region<Op<N>>(x, low, high, w, phase);
   }
-  template <class S, class D>
+  template <int N, class S, class D>
   static void Inv(const S& low, const S& high, const D& y, int w, bool phase) {
-    ref::Inv53Region<T>(low, high, y, w, phase);
+    ref::Inv53Region<Op<N>>(low, high, y, w, phase);
   }
 };
 

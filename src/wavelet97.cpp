@@ -33,12 +33,18 @@ struct Fwd97 {
   static void Run(const Line& line, int n, int p, uint8_t* buf) {
     Fwd97Pass<D97<T>>(line, n, p, buf);
   }
+  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+    Fwd97Vertical<D97<T>>(img, step, w, n, p, buf);
+  }
 };
 template <class T>
 struct Inv97 {
   template <class Line>
   static void Run(const Line& line, int n, int p, uint8_t* buf) {
     Inv97Pass<D97<T>>(line, n, p, buf);
+  }
+  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+    Inv97Vertical<D97<T>>(img, step, w, n, p, buf);
   }
 };
 
@@ -53,13 +59,15 @@ void Inv97InPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
 
 template <class T>
 struct Region97 {
-  template <class S, class D>
+  template <int N>
+  using Op = std::conditional_t<N == 1, D97<T>, Lanes97<D97<T>, N>>;
+  template <int N, class S, class D>
   static void Fwd(const S& x, const D& low, const D& high, int w, bool phase) {
-    ref::Fwd97Region<D97<T>>(x, low, high, w, phase);
+    ref::Fwd97Region<Op<N>>(x, low, high, w, phase);
   }
-  template <class S, class D>
+  template <int N, class S, class D>
   static void Inv(const S& low, const S& high, const D& y, int w, bool phase) {
-    ref::Inv97Region<D97<T>>(low, high, y, w, phase);
+    ref::Inv97Region<Op<N>>(low, high, y, w, phase);
   }
 };
 

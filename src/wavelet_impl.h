@@ -11,6 +11,8 @@
 #include <string.h>
 
 #include <algorithm>
+#include <array>
+#include <type_traits>
 
 #include "kro_checks.h"
 #include "ref/wavelet_ref.h"
@@ -282,14 +284,129 @@ inline void Inv97Pass(const Line& line, int n, int p, uint8_t* buf) {
 }
 
 // ---------------------------------------------------------------------------------
-// 2D drivers. Pass is a functor template: Pass::Run<Line>(line, n, p, buf).
-// Forward: every column (vertical), then every row; inverse: rows, then columns.
-// Each column goes through the line buffer and back before the next.
+// Vertical passes on whole rows. Lifting a column through the line buffer gives, at
+// every position, the same value as lifting the rows of the tile in place with the
+// mirrored row standing in for the missing neighbour (row -1 is row 1, row n is row
+// n - 2): each step is symmetric in its two neighbours, so the extension values the
+// line buffer computes are the mirrored rows' values. The rows are then moved into
+// quadrant order (forward) or out of it (inverse) through one spare row.
 
-template <class T, class Pass>
-void Columns(T* img, int step, int w, int h, int p, uint8_t* buf) {
-  for (int x = 0; x < w; ++x) Pass::Run(Strided<T>{img + x, step}, h, p, buf);
+// Row j of an n-row tile, mirrored at both ends (j from -1 to n).
+template <class T>
+struct TileRows {
+  T* base;
+  int step;
+  int n;
+  T* operator()(int j) const { return RowPtr(base, step, j < 0 ? -j : j >= n ? 2 * (n - 1) - j : j); }
+};
+
+// Rows of a tile taller than this go column by column through the line buffer, as
+// the row moves below keep one visited bit per row on the stack.
+inline constexpr int kMaxRowMoves = 1 << 15;
+
+// The interleaved index whose sample lands on quadrant place `place`.
+constexpr int InterleavedIndex(int place, int n, int p) {
+  const int n_low = (n + 1 - p) / 2;
+  return place < n_low ? 2 * place + p : 2 * (place - n_low) + 1 - p;
 }
+
+// Moves the rows of a tile so that row j ends on row BandPlace(j) (to_bands) or the
+// reverse, following each cycle of the permutation backwards with one spare row.
+template <class T>
+void MoveRows(T* img, int step, int w, int n, int p, bool to_bands, uint8_t* spare) {
+  uint64_t seen[kMaxRowMoves / 64] = {};
+  const size_t row_bytes = static_cast<size_t>(w) * sizeof(T);
+  // The row that has to arrive on row `dst`.
+  auto source_of = [&](int dst) { return to_bands ? InterleavedIndex(dst, n, p) : BandPlace(dst, n, p); };
+  for (int start = 0; start < n; ++start) {
+    if ((seen[start >> 6] >> (start & 63)) & 1) continue;
+    if (source_of(start) == start) continue;
+    memcpy(spare, RowPtr(img, step, start), row_bytes);
+    int dst = start;
+    for (int src = source_of(dst); src != start; dst = src, src = source_of(dst)) {
+      memcpy(RowPtr(img, step, dst), RowPtr(img, step, src), row_bytes);
+      seen[dst >> 6] |= uint64_t{1} << (dst & 63);
+    }
+    memcpy(RowPtr(img, step, dst), spare, row_bytes);
+    seen[dst >> 6] |= uint64_t{1} << (dst & 63);
+  }
+}
+
+// The parity of row j decides its step: odd rows are high-pass.
+template <class F>
+void ForRowsOfParity(int n, int p, bool odd, F&& f) {
+  for (int j = ref::IsOdd(0, p) == odd ? 0 : 1; j < n; j += 2) f(j);
+}
+
+// 5/3 vertical passes; lines of one and two samples follow Fwd53Pass / Inv53Pass.
+template <class T>
+void Fwd53Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+  if (n <= 2 || n > kMaxRowMoves) {
+    for (int x = 0; x < w; ++x) Fwd53Pass<T>(Strided<T>{img + x, step}, n, p, buf);
+    return;
+  }
+  const TileRows<T> row{img, step, n};
+  ForRowsOfParity(n, p, true, [&](int j) { ref::Predict53Row(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, false, [&](int j) { ref::Update53Row(row(j), row(j - 1), row(j + 1), w); });
+  MoveRows(img, step, w, n, p, true, buf);
+}
+
+template <class T>
+void Inv53Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+  if (n <= 2 || n > kMaxRowMoves) {
+    for (int x = 0; x < w; ++x) Inv53Pass<T>(Strided<T>{img + x, step}, n, p, buf);
+    return;
+  }
+  MoveRows(img, step, w, n, p, false, buf);
+  const TileRows<T> row{img, step, n};
+  ForRowsOfParity(n, p, false, [&](int j) { ref::UnUpdate53Row(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true, [&](int j) { ref::UnPredict53Row(row(j), row(j - 1), row(j + 1), w); });
+}
+
+// 9/7 vertical passes: four steps, each over the rows of its parity, then the
+// scaling; in the 32s form the rows hold the lifted floats' bits in between.
+template <class A>
+void Fwd97Vertical(typename A::Sample* img, int step, int w, int n, int p, uint8_t* buf) {
+  using T = typename A::Sample;
+  using R = ref::Rows97<A>;
+  if (n <= 1 || n > kMaxRowMoves) {
+    for (int x = 0; x < w; ++x) Fwd97Pass<A>(Strided<T>{img + x, step}, n, p, buf);
+    return;
+  }
+  const TileRows<T> row{img, step, n};
+  ForRowsOfParity(n, p, true, [&](int j) { R::Alpha(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, false, [&](int j) { R::Beta(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true, [&](int j) { R::template Lift<A::Gamma>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, false, [&](int j) { R::template Lift<A::Delta>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true, [&](int j) { R::High(row(j), w); });
+  ForRowsOfParity(n, p, false, [&](int j) { R::Low(row(j), w); });
+  MoveRows(img, step, w, n, p, true, buf);
+}
+
+template <class A>
+void Inv97Vertical(typename A::Sample* img, int step, int w, int n, int p, uint8_t* buf) {
+  using T = typename A::Sample;
+  using R = ref::Rows97<A>;
+  if (n <= 1 || n > kMaxRowMoves) {
+    for (int x = 0; x < w; ++x) Inv97Pass<A>(Strided<T>{img + x, step}, n, p, buf);
+    return;
+  }
+  MoveRows(img, step, w, n, p, false, buf);
+  const TileRows<T> row{img, step, n};
+  ForRowsOfParity(n, p, true, [&](int j) { R::InvHigh(row(j), w); });
+  ForRowsOfParity(n, p, false, [&](int j) { R::InvLow(row(j), w); });
+  ForRowsOfParity(n, p, false, [&](int j) { R::template Lift<A::UnDelta>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true, [&](int j) { R::template Lift<A::UnGamma>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, false, [&](int j) { R::template Lift<A::UnBeta>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true, [&](int j) { R::template Lift<A::UnAlpha>(row(j), row(j - 1), row(j + 1), w); });
+  for (int j = 0; j < n; ++j) R::Out(row(j), w);
+}
+
+// ---------------------------------------------------------------------------------
+// 2D drivers. Pass::Run(line, n, p, buf) transforms one row through the line
+// buffer; Pass::Vertical(img, step, w, h, p, buf) all columns at once.
+// Forward: the vertical pass, then every row; inverse: rows, then the vertical pass.
+
 template <class T, class Pass>
 void Rows(T* img, int step, int w, int h, int p, uint8_t* buf) {
   for (int y = 0; y < h; ++y) Pass::Run(Contig<T>{RowPtr(img, step, y)}, w, p, buf);
@@ -297,13 +414,15 @@ void Rows(T* img, int step, int w, int h, int p, uint8_t* buf) {
 
 template <class T, class FwdPass>
 void Fwd2DInPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
-  Columns<T, FwdPass>(img, step, r.width, r.height, r.y & 1, buf);
+  if (r.width < 1 || r.height < 1) return;
+  FwdPass::Vertical(img, step, r.width, r.height, r.y & 1, buf);
   Rows<T, FwdPass>(img, step, r.width, r.height, r.x & 1, buf);
 }
 template <class T, class InvPass>
 void Inv2DInPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
+  if (r.width < 1 || r.height < 1) return;
   Rows<T, InvPass>(img, step, r.width, r.height, r.x & 1, buf);
-  Columns<T, InvPass>(img, step, r.width, r.height, r.y & 1, buf);
+  InvPass::Vertical(img, step, r.width, r.height, r.y & 1, buf);
 }
 
 // Argument checks of the in-place forms, then the transform.
@@ -416,8 +535,101 @@ KroStatus GetBufSize(const KroiRect* pTileRect, int* pSize, bool out_of_place) {
 }
 
 // ---------------------------------------------------------------------------------
-// Region forms. Kernel::Fwd(src_line, low_line, high_line, w, phase) and
-// Kernel::Inv(low_line, high_line, dst_line, w, phase) run one band row or column.
+// Column groups. The column region forms run the region kernels on kLanes columns at
+// once: a value is the kLanes samples of one row, every step applied lane by lane in
+// fixed-count loops that the compiler vectorises. Remaining columns go one by one.
+
+inline constexpr int kLanes = 16;
+
+template <int N, class F, class A0, class... As>
+inline auto LaneMap(F f, const A0& a0, const As&... as) {
+  std::array<decltype(f(a0[0], as[0]...)), N> r;
+  for (int i = 0; i < N; ++i) r[i] = f(a0[i], as[i]...);
+  return r;
+}
+
+// Element i: the N samples of row i from `base` on.
+template <class T, int N>
+struct GroupLine {
+  using V = std::array<std::remove_const_t<T>, N>;
+  T* base;
+  ptrdiff_t step;  // bytes
+  V operator[](ptrdiff_t i) const {
+    V v;
+    memcpy(v.data(), ByteOffset(base, i * step), sizeof(V));
+    return v;
+  }
+  void Set(ptrdiff_t i, const V& v) const { memcpy(ByteOffset(base, i * step), v.data(), sizeof(V)); }
+};
+
+template <class T, int N>
+struct Lanes53 {
+  using V = std::array<T, N>;
+  static V Predict(const V& x, const V& a, const V& b) {
+    return LaneMap<N>([](T u, T v, T w) { return ref::Predict53(u, v, w); }, x, a, b);
+  }
+  static V Update(const V& x, const V& a, const V& b) {
+    return LaneMap<N>([](T u, T v, T w) { return ref::Update53(u, v, w); }, x, a, b);
+  }
+  static V UnUpdate(const V& x, const V& a, const V& b) {
+    return LaneMap<N>([](T u, T v, T w) { return ref::UnUpdate53(u, v, w); }, x, a, b);
+  }
+  static V UnPredict(const V& x, const V& a, const V& b) {
+    return LaneMap<N>([](T u, T v, T w) { return ref::UnPredict53(u, v, w); }, x, a, b);
+  }
+};
+
+template <class A, int N>
+struct Lanes97 {
+  using Sample = std::array<typename A::Sample, N>;
+  using Inter = std::array<typename A::Inter, N>;
+  using S = typename A::Sample;
+  using I = typename A::Inter;
+  static Inter Alpha(const Sample& x, const Sample& a, const Sample& b) {
+    return LaneMap<N>([](S u, S v, S w) { return A::Alpha(u, v, w); }, x, a, b);
+  }
+  static Inter Beta(const Sample& x, const Inter& a, const Inter& b) {
+    return LaneMap<N>([](S u, I v, I w) { return A::Beta(u, v, w); }, x, a, b);
+  }
+  static Inter Gamma(const Inter& x, const Inter& a, const Inter& b) {
+    return LaneMap<N>([](I u, I v, I w) { return A::Gamma(u, v, w); }, x, a, b);
+  }
+  static Inter Delta(const Inter& x, const Inter& a, const Inter& b) {
+    return LaneMap<N>([](I u, I v, I w) { return A::Delta(u, v, w); }, x, a, b);
+  }
+  static Sample Low(const Inter& x) {
+    return LaneMap<N>([](I u) { return A::Low(u); }, x);
+  }
+  static Sample High(const Inter& x) {
+    return LaneMap<N>([](I u) { return A::High(u); }, x);
+  }
+  static Inter InvLow(const Sample& x) {
+    return LaneMap<N>([](S u) { return A::InvLow(u); }, x);
+  }
+  static Inter InvHigh(const Sample& x) {
+    return LaneMap<N>([](S u) { return A::InvHigh(u); }, x);
+  }
+  static Inter UnDelta(const Inter& x, const Inter& a, const Inter& b) {
+    return LaneMap<N>([](I u, I v, I w) { return A::UnDelta(u, v, w); }, x, a, b);
+  }
+  static Inter UnGamma(const Inter& x, const Inter& a, const Inter& b) {
+    return LaneMap<N>([](I u, I v, I w) { return A::UnGamma(u, v, w); }, x, a, b);
+  }
+  static Inter UnBeta(const Inter& x, const Inter& a, const Inter& b) {
+    return LaneMap<N>([](I u, I v, I w) { return A::UnBeta(u, v, w); }, x, a, b);
+  }
+  static Inter UnAlpha(const Inter& x, const Inter& a, const Inter& b) {
+    return LaneMap<N>([](I u, I v, I w) { return A::UnAlpha(u, v, w); }, x, a, b);
+  }
+  static Sample Out(const Inter& x) {
+    return LaneMap<N>([](I u) { return A::Out(u); }, x);
+  }
+};
+
+// ---------------------------------------------------------------------------------
+// Region forms. Kernel::Fwd<N>(src_line, low_line, high_line, w, phase) and
+// Kernel::Inv<N>(low_line, high_line, dst_line, w, phase) run one band row or column
+// (N = 1) or a group of N columns.
 
 // Checks: pointers, steps, size.
 inline KroStatus CheckRegion(const void* a, int a_step, const void* b, int b_step, const void* c, int c_step,
@@ -434,8 +646,8 @@ KroStatus FwdRowRegion(const T* pSrc, int srcStep, T* pDstLow, int dstLowStep, T
   const KroStatus st = CheckRegion(pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep, dstRoiSize);
   if (st != kroStatusOk) return st;
   for (int y = 0; y < dstRoiSize.height; ++y) {
-    Kernel::Fwd(Contig<const T>{RowPtr(pSrc, srcStep, y)}, Contig<T>{RowPtr(pDstLow, dstLowStep, y)},
-                Contig<T>{RowPtr(pDstHigh, dstHighStep, y)}, dstRoiSize.width, phase != 0);
+    Kernel::template Fwd<1>(Contig<const T>{RowPtr(pSrc, srcStep, y)}, Contig<T>{RowPtr(pDstLow, dstLowStep, y)},
+                            Contig<T>{RowPtr(pDstHigh, dstHighStep, y)}, dstRoiSize.width, phase != 0);
   }
   return kroStatusOk;
 }
@@ -446,8 +658,9 @@ KroStatus InvRowRegion(const T* pSrcLow, int srcLowStep, const T* pSrcHigh, int 
   const KroStatus st = CheckRegion(pSrcLow, srcLowStep, pSrcHigh, srcHighStep, pDst, dstStep, srcRoiSize);
   if (st != kroStatusOk) return st;
   for (int y = 0; y < srcRoiSize.height; ++y) {
-    Kernel::Inv(Contig<const T>{RowPtr(pSrcLow, srcLowStep, y)}, Contig<const T>{RowPtr(pSrcHigh, srcHighStep, y)},
-                Contig<T>{RowPtr(pDst, dstStep, y)}, srcRoiSize.width, phase != 0);
+    Kernel::template Inv<1>(Contig<const T>{RowPtr(pSrcLow, srcLowStep, y)},
+                            Contig<const T>{RowPtr(pSrcHigh, srcHighStep, y)}, Contig<T>{RowPtr(pDst, dstStep, y)},
+                            srcRoiSize.width, phase != 0);
   }
   return kroStatusOk;
 }
@@ -457,9 +670,15 @@ KroStatus FwdColRegion(const T* pSrc, int srcStep, T* pDstLow, int dstLowStep, T
                        KroiSize dstRoiSize, int phase) {
   const KroStatus st = CheckRegion(pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep, dstRoiSize);
   if (st != kroStatusOk) return st;
-  for (int x = 0; x < dstRoiSize.width; ++x) {
-    Kernel::Fwd(Strided<const T>{pSrc + x, srcStep}, Strided<T>{pDstLow + x, dstLowStep},
-                Strided<T>{pDstHigh + x, dstHighStep}, dstRoiSize.height, phase != 0);
+  int x = 0;
+  for (; x + kLanes <= dstRoiSize.width; x += kLanes) {
+    Kernel::template Fwd<kLanes>(GroupLine<const T, kLanes>{pSrc + x, srcStep},
+                                 GroupLine<T, kLanes>{pDstLow + x, dstLowStep},
+                                 GroupLine<T, kLanes>{pDstHigh + x, dstHighStep}, dstRoiSize.height, phase != 0);
+  }
+  for (; x < dstRoiSize.width; ++x) {
+    Kernel::template Fwd<1>(Strided<const T>{pSrc + x, srcStep}, Strided<T>{pDstLow + x, dstLowStep},
+                            Strided<T>{pDstHigh + x, dstHighStep}, dstRoiSize.height, phase != 0);
   }
   return kroStatusOk;
 }
@@ -469,9 +688,15 @@ KroStatus InvColRegion(const T* pSrcLow, int srcLowStep, const T* pSrcHigh, int 
                        T* pDst, int dstStep, int phase) {
   const KroStatus st = CheckRegion(pSrcLow, srcLowStep, pSrcHigh, srcHighStep, pDst, dstStep, srcRoiSize);
   if (st != kroStatusOk) return st;
-  for (int x = 0; x < srcRoiSize.width; ++x) {
-    Kernel::Inv(Strided<const T>{pSrcLow + x, srcLowStep}, Strided<const T>{pSrcHigh + x, srcHighStep},
-                Strided<T>{pDst + x, dstStep}, srcRoiSize.height, phase != 0);
+  int x = 0;
+  for (; x + kLanes <= srcRoiSize.width; x += kLanes) {
+    Kernel::template Inv<kLanes>(GroupLine<const T, kLanes>{pSrcLow + x, srcLowStep},
+                                 GroupLine<const T, kLanes>{pSrcHigh + x, srcHighStep},
+                                 GroupLine<T, kLanes>{pDst + x, dstStep}, srcRoiSize.height, phase != 0);
+  }
+  for (; x < srcRoiSize.width; ++x) {
+    Kernel::template Inv<1>(Strided<const T>{pSrcLow + x, srcLowStep}, Strided<const T>{pSrcHigh + x, srcHighStep},
+                            Strided<T>{pDst + x, dstStep}, srcRoiSize.height, phase != 0);
   }
   return kroStatusOk;
 }

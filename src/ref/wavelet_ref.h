@@ -118,58 +118,88 @@ inline void Inv53Line(T* data, int n, int p) {
   }
 }
 
+// Whole-row 5/3 steps for the vertical passes of the 2D transforms: row x is lifted
+// in place, every column at once, from its neighbour rows a and b.
+template <class T>
+inline void Predict53Row(T* x, const T* a, const T* b, int w) {
+  for (int i = 0; i < w; ++i) St(x + i, Predict53(Ld(x + i), Ld(a + i), Ld(b + i)));
+}
+template <class T>
+inline void Update53Row(T* x, const T* a, const T* b, int w) {
+  for (int i = 0; i < w; ++i) St(x + i, Update53(Ld(x + i), Ld(a + i), Ld(b + i)));
+}
+template <class T>
+inline void UnUpdate53Row(T* x, const T* a, const T* b, int w) {
+  for (int i = 0; i < w; ++i) St(x + i, UnUpdate53(Ld(x + i), Ld(a + i), Ld(b + i)));
+}
+template <class T>
+inline void UnPredict53Row(T* x, const T* a, const T* b, int w) {
+  for (int i = 0; i < w; ++i) St(x + i, UnPredict53(Ld(x + i), Ld(a + i), Ld(b + i)));
+}
+
 // 5/3 region kernels: one band row (or column) of w outputs. They read the caller's
 // samples around the region and extend nothing. Every intermediate value, stored or
 // not, is kept at the sample width, so each output equals the 2D kernel's value at
-// the same position.
-//
+// the same position. Op supplies the steps on a value V: Lift53<T> on one sample,
+// or a group of columns at once (see wavelet_impl.h).
+template <class T>
+struct Lift53 {
+  using V = T;
+  static constexpr T Predict(T x, T a, T b) { return Predict53(x, a, b); }
+  static constexpr T Update(T x, T a, T b) { return Update53(x, a, b); }
+  static constexpr T UnUpdate(T x, T a, T b) { return UnUpdate53(x, a, b); }
+  static constexpr T UnPredict(T x, T a, T b) { return UnPredict53(x, a, b); }
+};
+
 // Forward, phase 0 (x[0] low-pass): reads x[-2 .. 2w].
 // Forward, phase 1 (x[0] high-pass): reads x[-1 .. 2w+1].
-template <class T, class Src, class Dst>
+template <class Op, class Src, class Dst>
 inline void Fwd53Region(const Src& x, const Dst& low, const Dst& high, int w, bool phase) {
+  using V = typename Op::V;
   if (!phase) {
-    T dprev = Predict53<T>(x[-1], x[-2], x[0]);
+    V dprev = Op::Predict(x[-1], x[-2], x[0]);
     for (int k = 0; k < w; ++k) {
-      const T d = Predict53<T>(x[2 * k + 1], x[2 * k], x[2 * k + 2]);
-      low.Set(k, Update53<T>(x[2 * k], dprev, d));
+      const V d = Op::Predict(x[2 * k + 1], x[2 * k], x[2 * k + 2]);
+      low.Set(k, Op::Update(x[2 * k], dprev, d));
       high.Set(k, d);
       dprev = d;
     }
     return;
   }
-  T dprev = Predict53<T>(x[0], x[-1], x[1]);
+  V dprev = Op::Predict(x[0], x[-1], x[1]);
   high.Set(0, dprev);
   for (int k = 0; k + 1 < w; ++k) {
-    const T d = Predict53<T>(x[2 * k + 2], x[2 * k + 1], x[2 * k + 3]);
-    low.Set(k, Update53<T>(x[2 * k + 1], dprev, d));
+    const V d = Op::Predict(x[2 * k + 2], x[2 * k + 1], x[2 * k + 3]);
+    low.Set(k, Op::Update(x[2 * k + 1], dprev, d));
     high.Set(k + 1, d);
     dprev = d;
   }
-  const T dlast = Predict53<T>(x[2 * w], x[2 * w - 1], x[2 * w + 1]);
-  low.Set(w - 1, Update53<T>(x[2 * w - 1], dprev, dlast));
+  const V dlast = Op::Predict(x[2 * w], x[2 * w - 1], x[2 * w + 1]);
+  low.Set(w - 1, Op::Update(x[2 * w - 1], dprev, dlast));
 }
 
 // Inverse, phase 0: reads low[0 .. w], high[-1 .. w]; writes y[0 .. 2w-1].
 // Inverse, phase 1: reads low[-1 .. w-1], high[-1 .. w].
-template <class T, class Src, class Dst>
+template <class Op, class Src, class Dst>
 inline void Inv53Region(const Src& low, const Src& high, const Dst& y, int w, bool phase) {
+  using V = typename Op::V;
   if (!phase) {
-    T yprev = UnUpdate53<T>(low[0], high[-1], high[0]);
+    V yprev = Op::UnUpdate(low[0], high[-1], high[0]);
     y.Set(0, yprev);
     for (int k = 0; k + 1 < w; ++k) {
-      const T e = UnUpdate53<T>(low[k + 1], high[k], high[k + 1]);
-      y.Set(2 * k + 1, UnPredict53<T>(high[k], yprev, e));
+      const V e = Op::UnUpdate(low[k + 1], high[k], high[k + 1]);
+      y.Set(2 * k + 1, Op::UnPredict(high[k], yprev, e));
       y.Set(2 * k + 2, e);
       yprev = e;
     }
-    const T elast = UnUpdate53<T>(low[w], high[w - 1], high[w]);
-    y.Set(2 * w - 1, UnPredict53<T>(high[w - 1], yprev, elast));
+    const V elast = Op::UnUpdate(low[w], high[w - 1], high[w]);
+    y.Set(2 * w - 1, Op::UnPredict(high[w - 1], yprev, elast));
     return;
   }
-  T eprev = UnUpdate53<T>(low[-1], high[-1], high[0]);
+  V eprev = Op::UnUpdate(low[-1], high[-1], high[0]);
   for (int k = 0; k < w; ++k) {
-    const T e = UnUpdate53<T>(low[k], high[k], high[k + 1]);
-    y.Set(2 * k, UnPredict53<T>(high[k], eprev, e));
+    const V e = Op::UnUpdate(low[k], high[k], high[k + 1]);
+    y.Set(2 * k, Op::UnPredict(high[k], eprev, e));
     y.Set(2 * k + 1, e);
     eprev = e;
   }
@@ -325,6 +355,39 @@ struct D97Float32s {
   static constexpr Sample Out(Inter v) { return SatTrunc32(v); }
   static constexpr Inter Get(Slot s) { return std::bit_cast<float>(s); }
   static constexpr Slot Put(Inter v) { return std::bit_cast<int32_t>(v); }
+};
+
+// Whole-row 9/7 steps on line-buffer slots (rows of a tile lifted in place):
+// x = step(x, a, b) for every column, where step sees the slots' values as the
+// arithmetic A reads them (raw samples for the first step, lifted values after).
+template <class A>
+struct Rows97 {
+  using S = typename A::Slot;
+  static void Alpha(S* x, const S* a, const S* b, int w) {
+    for (int i = 0; i < w; ++i) St<S>(x + i, A::Put(A::Alpha(Ld(x + i), Ld(a + i), Ld(b + i))));
+  }
+  static void Beta(S* x, const S* a, const S* b, int w) {
+    for (int i = 0; i < w; ++i) St<S>(x + i, A::Put(A::Beta(Ld(x + i), A::Get(Ld(a + i)), A::Get(Ld(b + i)))));
+  }
+  template <typename A::Inter (*kStep)(typename A::Inter, typename A::Inter, typename A::Inter)>
+  static void Lift(S* x, const S* a, const S* b, int w) {
+    for (int i = 0; i < w; ++i) St<S>(x + i, A::Put(kStep(A::Get(Ld(x + i)), A::Get(Ld(a + i)), A::Get(Ld(b + i)))));
+  }
+  static void Low(S* x, int w) {
+    for (int i = 0; i < w; ++i) St<S>(x + i, A::Low(A::Get(Ld(x + i))));
+  }
+  static void High(S* x, int w) {
+    for (int i = 0; i < w; ++i) St<S>(x + i, A::High(A::Get(Ld(x + i))));
+  }
+  static void InvLow(S* x, int w) {
+    for (int i = 0; i < w; ++i) St<S>(x + i, A::Put(A::InvLow(Ld(x + i))));
+  }
+  static void InvHigh(S* x, int w) {
+    for (int i = 0; i < w; ++i) St<S>(x + i, A::Put(A::InvHigh(Ld(x + i))));
+  }
+  static void Out(S* x, int w) {
+    for (int i = 0; i < w; ++i) St<S>(x + i, A::Out(A::Get(Ld(x + i))));
+  }
 };
 
 // Parity of buffer index j on a line whose first sample has parity p.
