@@ -97,7 +97,8 @@ KRO_EXPORT KroStatus kroiDCTQuantFwd8x8_JPEG_16s_C1(const Kro16s* pSrc, Kro16s* 
   return kro::DctQuantFwd(pSrc, pDst, pQuantFwdTable);
 }
 
-KRO_EXPORT KroStatus kroiDCTQuantFwd8x8_JPEG_16s_C1I(Kro16s* pSrcDst, const Kro16u* pQuantFwdTable) {
+KRO_EXPORT KroStatus kroiDCTQuantFwd8x8_JPEG_16s_C1I(Kro16s* pSrcDst,
+                                                     const Kro16u* pQuantFwdTable) {
   return kro::DctQuantFwd(pSrcDst, pSrcDst, pQuantFwdTable);
 }
 
@@ -112,7 +113,8 @@ KRO_EXPORT KroStatus kroiDCTQuantInv8x8_JPEG_16s_C1(const Kro16s* pSrc, Kro16s* 
   return kro::DctQuantInv(pSrc, pDst, pQuantInvTable);
 }
 
-KRO_EXPORT KroStatus kroiDCTQuantInv8x8_JPEG_16s_C1I(Kro16s* pSrcDst, const Kro16u* pQuantInvTable) {
+KRO_EXPORT KroStatus kroiDCTQuantInv8x8_JPEG_16s_C1I(Kro16s* pSrcDst,
+                                                     const Kro16u* pQuantInvTable) {
   return kro::DctQuantInv(pSrcDst, pSrcDst, pQuantInvTable);
 }
 

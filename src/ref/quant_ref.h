@@ -30,16 +30,16 @@ inline void QualityScaleTable(uint8_t* table, int q) {
 // 16.16 reverse division (rounds to nearest for every step 1..255, no ties there).
 constexpr uint16_t QuantReciprocal(uint32_t step) { return DivCRev16u(32768, step); }
 
-// block[k] = round_half_even(block[k] * recip[k] / 2^15), saturated to 16 bits.
-// The product of an unsigned 16-bit reciprocal and a signed coefficient fits 32
-// bits, the rounding addend does not; the product is carried in 64 bits.
+// block[k] = round_half_even(recip[k] * block[k] / 2^15), saturated to 16 bits:
+// the unsigned-by-signed 16-bit product with scale factor 15.
 inline void QuantFwdBlock(int16_t* block, const uint16_t* recip) {
-  MulScaledRow<int16_t, int64_t>(recip, block, block, 64, 15);
+  MulScaledRow<int16_t, ProductWord<uint16_t, int16_t, int16_t>>(recip, block, block, 64, 15);
 }
 
 // block[k] = block[k] * step[k] saturated to 16 bits; the steps are read as signed.
 inline void QuantInvBlock(const int16_t* src, const uint16_t* step, int16_t* dst) {
-  MulScaledRow<int16_t, int32_t>(reinterpret_cast<const int16_t*>(step), src, dst, 64, 0);
+  MulScaledRow<int16_t, ProductWord<int16_t, int16_t, int16_t>>(
+      reinterpret_cast<const int16_t*>(step), src, dst, 64, 0);
 }
 
 }  // namespace kro::ref
