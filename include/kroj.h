@@ -365,7 +365,8 @@ KRO_API KroStatus kroiGetHuffmanStatisticsOne_JPEG_16s_C1(const Kro16s* pSrc, in
 /* Scales a raw table in place by a quality factor: S = 5000 / q for q < 50,
  * else 200 - 2q; each step becomes (step * S + 50) / 100 clamped to 1..255.
  * 50 keeps the table; 100, above 100 and negative factors give all ones. The
- * factor is not checked and must not be 0. -8 for a null table. */
+ * factor is not range-checked; 0, which has no scale, leaves the table unchanged
+ * and returns kroStatusBadArgument. -8 for a null table. */
 KRO_API KroStatus kroiQuantFwdRawTableInit_JPEG_8u(Kro8u* pQuantRawTable, int qualityFactor);
 /* Forward working table. A zero step gives 65535 in its entry and the warning
  * kroStatusDivideByZeroWarning; -8 for a null pointer. */

@@ -19,6 +19,9 @@ void NaturalSteps(const Kro8u* raw, Kro16u* table) {
 
 KroStatus QuantRawTableInit(Kro8u* table, int quality) {
   if (AnyNull(table)) return kroStatusNullPointer;
+  // A factor of 0 has no scale (5000 / 0). Rather than fault inside the caller's
+  // process, the table is left as it is and the call reports a bad argument.
+  if (quality == 0) return kroStatusBadArgument;
   ref::QualityScaleTable(table, quality);
   return kroStatusOk;
 }

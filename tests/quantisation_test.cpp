@@ -65,6 +65,9 @@ TEST(Quant, QualityScaling) {
     if (quality >= 100 || quality < 0)
       EXPECT_TRUE(std::all_of(t.begin(), t.end(), [](Kro8u v) { return v == 1; }));
   }
+  auto untouched = base;
+  EXPECT_EQ(kroiQuantFwdRawTableInit_JPEG_8u(untouched.data(), 0), kroStatusBadArgument);
+  EXPECT_EQ(untouched, base);
   std::array<Kro8u, 64> t{};
   t[0] = 16, t[1] = 99, t[2] = 5, t[3] = 6;
   ASSERT_EQ(kroiQuantFwdRawTableInit_JPEG_8u(t.data(), 75), kroStatusOk);

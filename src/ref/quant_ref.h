@@ -15,7 +15,7 @@ namespace kro::ref {
 // Quality scaling of a raw table in place. S = 5000 / q below 50, 200 - 2q from 50
 // on; each step becomes (step * S + 50) / 100 (32-bit, truncating toward zero),
 // clamped to 1..255. q = 50 keeps the table, q >= 100 or q < 0 gives all ones.
-// q = 0 divides by zero: callers must not pass it.
+// q must not be 0 (the exported function refuses it).
 inline void QualityScaleTable(uint8_t* table, int q) {
   const int32_t s = q < 50 ? 5000 / q : SubWrap32(200, MulWrap32(2, q));
   for (int k = 0; k < 64; ++k) {
