@@ -301,12 +301,17 @@ KroStatus EncodeBlock(const Kro16s* src, Kro16s* last_dc, Table dc, Table ac, Si
   int s = ownpj_get_csize(diff);
   KroStatus st = sink.Symbol(dc, s, ExtraBits(diff, s), s);
   if (st != kroStatusOk) return st;
-  int16_t zz[64];
+  // Bit k of nz: zig-zag position k holds a non-zero AC value. Quantised blocks are
+  // mostly zero, so whole groups of four are skipped at once.
   uint64_t nz = 0;
-  for (int k = 1; k < 64; ++k) {
-    zz[k] = src[own_pj_izigzag_index[k]];
-    nz |= uint64_t{zz[k] != 0} << k;
+  for (int i = 0; i < 64; i += 4) {
+    uint64_t group;
+    memcpy(&group, src + i, sizeof(group));
+    if (group == 0) continue;
+    for (int j = i; j < i + 4; ++j)
+      if (src[j] != 0) nz |= uint64_t{1} << zigzag_index_Fwd[j];
   }
+  nz &= ~uint64_t{1};
   int next = 1;  // zig-zag position just after the last value written
   while (nz != 0) {
     const int k = std::countr_zero(nz);
@@ -316,7 +321,7 @@ KroStatus EncodeBlock(const Kro16s* src, Kro16s* last_dc, Table dc, Table ac, Si
       st = sink.Symbol(ac, 0xF0, 0, 0);  // ZRL
       if (st != kroStatusOk) return st;
     }
-    const int32_t v = zz[k];
+    const int32_t v = src[own_pj_izigzag_index[k]];
     s = ownpj_get_csize(v);
     st = sink.Symbol(ac, r * 16 + s, ExtraBits(v, s), s);
     if (st != kroStatusOk) return st;
