@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "kroj.h"
+#include "ref/dct_ref.h"
+#include "simd_test_util.h"
 #include "test_util.h"
 
 namespace {
@@ -346,6 +348,45 @@ TEST(LevelShift, ParallelRowsMatchSerial) {
           ASSERT_EQ(mid.at(x, y), src.at(x, y) - 128);
           ASSERT_EQ(out.at(x, y), std::clamp(wide.at(x, y) + 128, 0, 255)) << threads;
         }
+    }
+  }
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Level-shift rows on every SIMD target against the reference rows.
+
+namespace {
+
+class LevelShiftTargets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(LevelShiftTargets);
+
+TEST_P(LevelShiftTargets, RowsMatchTheReference) {
+  kro_test::Rng rng(77);
+  for (int w : kro_test::EdgeWidths()) {
+    for (int h : {1, 3}) {
+      kro_test::GuardedImage<Kro8u> px(w, h, 1, 5), back(w, h, 1, 3);
+      kro_test::GuardedImage<Kro16s> lv(w, h, 1, 2);
+      px.FillRandom(rng, 0, 255);
+      ASSERT_EQ(kroiSub128_JPEG_8u16s_C1R(px.data(), px.step(), lv.data(), lv.step(), px.size()),
+                kroStatusOk);
+      std::vector<Kro16s> want(w);
+      for (int y = 0; y < h; ++y) {
+        kro::ref::Sub128Row(px.row(y), want.data(), w);
+        ASSERT_TRUE(std::equal(want.begin(), want.end(), lv.row(y))) << w;
+      }
+      // Clamping needs values far outside the sample range, both signs.
+      lv.FillRandom(rng, -32768, 32767);
+      for (int x = 0; x < w; x += 5) lv.at(x, 0) = static_cast<Kro16s>(32767 - x % 3);
+      ASSERT_EQ(kroiAdd128_JPEG_16s8u_C1R(lv.data(), lv.step(), back.data(), back.step(), lv.size()),
+                kroStatusOk);
+      std::vector<Kro8u> want8(w);
+      for (int y = 0; y < h; ++y) {
+        kro::ref::Add128Row(lv.row(y), want8.data(), w);
+        ASSERT_TRUE(std::equal(want8.begin(), want8.end(), back.row(y))) << w;
+      }
+      EXPECT_TRUE(lv.IntactOutside() && back.IntactOutside());
     }
   }
 }
