@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// JPEG 2000 code-stream encoder and decoder built on the library's component and
+// wavelet transforms and tier-1 code-block coder. Tier-2 (packets, tag trees) and the
+// code-stream markers are this layer's own.
+#ifndef KROJCODEC_J2K_CODEC_H_
+#define KROJCODEC_J2K_CODEC_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include <string>
+#include <vector>
+
+#include "codec/image.h"
+
+namespace krojcodec {
+
+struct J2kEncodeOptions {
+  bool lossless = true;         // RCT + 5/3, else ICT + 9/7 with scalar quantisation
+  int levels = 5;               // decomposition levels
+  double bits_per_pixel = 0.0;  // target rate for lossy coding; 0 keeps every pass
+  int layers = 1;               // quality layers (rates spread up to bits_per_pixel)
+  bool jp2 = false;             // wrap the code-stream in a JP2 file
+};
+
+// Encodes img (grey or RGB) into a .j2k code-stream (or .jp2 file). On failure returns
+// false and sets *error.
+bool EncodeJ2k(const Image& img, const J2kEncodeOptions& options, std::vector<uint8_t>* out,
+               std::string* error);
+
+// Decodes a single-tile .j2k code-stream (or .jp2 file) into img.
+bool DecodeJ2k(const uint8_t* data, size_t size, Image* img, std::string* error);
+
+}  // namespace krojcodec
+
+#endif  // KROJCODEC_J2K_CODEC_H_
