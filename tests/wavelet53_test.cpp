@@ -4,6 +4,7 @@
 // round trips, and agreement between the 2D, region and streaming forms.
 #include <gtest/gtest.h>
 #include <stdint.h>
+#include <string.h>
 
 #include <algorithm>
 #include <vector>
@@ -440,6 +441,33 @@ TEST(Wavelet53, SeveralLevelsRoundTrip) {
       CheckLevels<Kro32s>(64, 37, x0, y0, rng);
       CheckLevels<Kro32s>(9, 130, x0, y0, rng);
     }
+}
+
+// Rows and work buffers at odd byte addresses give the same results.
+template <class T>
+void CheckOddAddresses(int w, int h, Rng& rng) {
+  Plane<T> img(w, h);
+  rng.Fill(img.data(), img.v.size(), -B53<T>::kSafe, B53<T>::kSafe);
+  const KroiRect r{1, 0, w, h};
+  const int step = w * static_cast<int>(sizeof(T)) + 3;
+  std::vector<uint8_t> bytes(static_cast<size_t>(step) * h + 1);
+  for (int y = 0; y < h; ++y) memcpy(&bytes[1 + static_cast<size_t>(y) * step], img.row(y), w * sizeof(T));
+  int size = -1;
+  ASSERT_EQ(B53<T>::kSizeIR(&r, &size), kroStatusOk);
+  std::vector<uint8_t> buf(static_cast<size_t>(size) + 1);
+  T* odd = reinterpret_cast<T*>(&bytes[1]);
+  ASSERT_EQ(B53<T>::kFwdIR(odd, step, &r, &buf[1]), kroStatusOk);
+  ASSERT_EQ(FwdInPlace(img, r), kroStatusOk);
+  for (int y = 0; y < h; ++y) EXPECT_EQ(memcmp(&bytes[1 + static_cast<size_t>(y) * step], img.row(y), w * sizeof(T)), 0);
+  ASSERT_EQ(B53<T>::kInvIR(odd, step, &r, &buf[1]), kroStatusOk);
+  ASSERT_EQ(InvInPlace(img, r), kroStatusOk);
+  for (int y = 0; y < h; ++y) EXPECT_EQ(memcmp(&bytes[1 + static_cast<size_t>(y) * step], img.row(y), w * sizeof(T)), 0);
+}
+
+TEST(Wavelet53, OddAddressesAndSteps) {
+  Rng rng(1);
+  CheckOddAddresses<Kro16s>(21, 18, rng);
+  CheckOddAddresses<Kro32s>(9, 13, rng);
 }
 
 // ---- Region forms against the 2D transform ----------------------------------------
