@@ -946,8 +946,12 @@ KRO_API KroStatus kroiEncodeFree_JPEG2K(KroiEncodeState_JPEG2K* pState);
 /* Runs every coding pass of one code-block and records its decisions. Outputs the
  * number of significant bit-planes, of coding passes and of terminated segments.
  * Checks: -8 pState; -17 identification; -8 pSfBits, pNOfPasses, pNOfTermPasses;
- * -6 size (also a block larger than the state was made for); -8 pSrc; -14 srcStep.
- * termType: KroMQTermType. reserved is not read. */
+ * -6 size (also a block whose decisions or neighbourhood states would not fit the
+ * buffers of the state's maximum size); -8 pSrc; -14 srcStep. termType: KroMQTermType.
+ * reserved is not read. Coding stops at plane 31 - magnitudeBits, taken as 0 for
+ * magnitudeBits above 31; magnitudeBits below 1 gives no passes. The segment count is
+ * one plus the changes of the raw flag (one empty segment for a block without passes),
+ * or the pass count under flag 4. */
 KRO_API KroStatus kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
     const Kro32s* pSrc, int srcStep, KroiSize codeBlockSize, KroiEncodeState_JPEG2K* pState,
     int subband, int magnitudeBits, int termType, int reserved, int codeStyleFlags, int* pSfBits,
@@ -970,7 +974,10 @@ KRO_API KroStatus kroiEncodeGetRate_JPEG2K(const KroiEncodeState_JPEG2K* pState,
                                            int* pRate);
 KRO_API KroStatus kroiEncodeGetDistReduction_JPEG2K(const KroiEncodeState_JPEG2K* pState,
                                                     int nPass, int* pMantissa, int* pExponent);
-/* Sum of the reductions of passes 0..nPass. */
+/* Sum of the reductions of passes 0..nPass in double, in pass order. 2^e is formed as
+ * 1 / (1 << -e) for e <= 0 and as the 32-bit integer 1 << e for e > 0, the shift count
+ * taken modulo 32: exponents of 31 and above (more than 22 coded planes) read as -2^31
+ * and 2^(e - 32), kept for compatibility. */
 KRO_API KroStatus kroiEncodeGetDist_JPEG2K(const KroiEncodeState_JPEG2K* pState, int nPass,
                                            double* pDist);
 KRO_API KroStatus kroiEncodeGetTermPassLen_JPEG2K(const KroiEncodeState_JPEG2K* pState,
@@ -980,12 +987,14 @@ KRO_API KroStatus kroiEncodeGetTermPassLen_JPEG2K(const KroiEncodeState_JPEG2K* 
  * nOfPasses coding passes. pState: a buffer of kroiDecodeGetBufSize_JPEG2K bytes.
  * Returns the status of the last step: -112 when corrupt data was detected (then
  * *pErrorBitPlane, if given, receives the bit-plane). Checks: -8 pSrc, pState; -6 size;
- * -8 pTermLen, pDst; -14 dstStep. */
+ * -8 pTermLen, pDst; -14 dstStep. A negative segment length reads as an empty segment
+ * and does not move the source position. Unless flag 262144, the block is ANDed with
+ * -(1 << p) for the last decoded plane p >= 1 (a 32-bit shift, count modulo 32). */
 KRO_API KroStatus kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
     const Kro8u* pSrc, Kro32s* pDst, int dstStep, KroiSize codeBlockSize, int subband, int sfBits,
     int nOfPasses, const int* pTermLen, int nOfTermPasses, int codeStyleFlags, int* pErrorBitPlane,
     KroiDecodeCBProgrState_JPEG2K* pState);
-/* State size for code-blocks up to codeBlockSize: -6 bad size, -8 null pSize. */
+/* State size for code-blocks up to codeBlockSize: -8 null pSize, then -6 bad size. */
 KRO_API KroStatus kroiDecodeGetBufSize_JPEG2K(KroiSize codeBlockSize, int* pSize);
 
 /* Step-wise decoder. Init -> Attach -> SetPassCounter -> Step per segment. */
@@ -1004,7 +1013,9 @@ KRO_API KroStatus kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(Kro32s* pDst, int dstSt
                                                          KroiDecodeCBProgrState_JPEG2K* pState,
                                                          int subband, int sfBits,
                                                          int codeStyleFlags);
-/* Sets / reads the number of passes still to decode; -8, -17. */
+/* Sets / reads the number of passes still to decode; -8, -17. The counter drops by one
+ * for every pass decoded, also when a segment ends inside a bit-plane. sfBits above 31
+ * gives defined but meaningless values. */
 KRO_API KroStatus kroiDecodeCBProgrSetPassCounter_JPEG2K(int nOfPasses,
                                                          KroiDecodeCBProgrState_JPEG2K* pState);
 KRO_API KroStatus kroiDecodeCBProgrGetPassCounter_JPEG2K(

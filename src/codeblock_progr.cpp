@@ -133,9 +133,11 @@ KroStatus cbProgrClearLeastSfBits(ProgrState* pState) {
 
 using namespace kro;
 
+// The result pointer is the principal pointer and is checked first, as in every size
+// query of the library.
 KRO_EXPORT KroStatus kroiDecodeCBProgrGetStateSize_JPEG2K(KroiSize codeBlockSize, int* pSize) {
-  if (BadSize(codeBlockSize)) return kroStatusBadSize;
   if (pSize == nullptr) return kroStatusNullPointer;
+  if (BadSize(codeBlockSize)) return kroStatusBadSize;
   const int64_t size =
       t1::NbhBytes(codeBlockSize.width, codeBlockSize.height) + t1::kProgrFixedBytes;
   if (size > INT_MAX) return kroStatusBadSize;

@@ -199,8 +199,9 @@ TEST(CodeBlockEncoder, ArgumentAndStateChecks) {
 
 TEST(CodeBlockDecoder, ArgumentAndStateChecks) {
   int size = 0;
-  EXPECT_EQ(kroiDecodeCBProgrGetStateSize_JPEG2K({0, 0}, nullptr), kroStatusBadSize);
-  EXPECT_EQ(kroiDecodeCBProgrGetStateSize_JPEG2K({5, 9}, nullptr), kroStatusNullPointer);
+  EXPECT_EQ(kroiDecodeCBProgrGetStateSize_JPEG2K({0, 0}, nullptr), kroStatusNullPointer);
+  EXPECT_EQ(kroiDecodeGetBufSize_JPEG2K({0, 0}, nullptr), kroStatusNullPointer);
+  EXPECT_EQ(kroiDecodeCBProgrGetStateSize_JPEG2K({5, 0}, &size), kroStatusBadSize);
   ASSERT_EQ(kroiDecodeCBProgrGetStateSize_JPEG2K({5, 9}, &size), kroStatusOk);
   EXPECT_EQ(size, 32 * (5 + 2) + 472);  // roundup32(4 * 5 + 8) * (ceil(9 / 2) + 2) + 472
   ASSERT_EQ(kroiDecodeGetBufSize_JPEG2K({64, 64}, &size), kroStatusOk);
@@ -509,6 +510,8 @@ TEST(CodeBlock, EdgeCases) {
   EXPECT_EQ(c.sf_bits, 0);
   EXPECT_EQ(c.passes, 0);
   EXPECT_TRUE(c.data.empty());
+  EXPECT_EQ(c.seg_len, std::vector<int>{0});  // one empty segment, none per pass
+  EXPECT_EQ(Encode(st, zero, 16, 16, 0, 31, 0, kTermAll, 8).segments, 0);
 
   // Coding stops at plane 31 - magnitudeBits even when lower planes hold bits.
   Block b(256, 0x7FFFFFFF);
@@ -541,6 +544,16 @@ TEST(CodeBlock, EdgeCases) {
   EXPECT_EQ(kroiEncodeGetDistReduction_JPEG2K(st, 0, &mant, &expo), kroStatusOk);
   EXPECT_EQ(expo, 2 * (20 - 20) - 13);
   EXPECT_EQ(mant, 6144);
+  // Exponents from 31 up go through a 32-bit shift: 2^31 reads as -2^31, 2^45 as 2^13.
+  one[17] = 1 << 30;
+  for (const auto& [mag_bits, scale] : {std::pair{23, -2147483648.0}, std::pair{30, 8192.0}}) {
+    double dist = 0;
+    c = Encode(st, one, 16, 16, 0, mag_bits, 0, 0, 64);
+    ASSERT_EQ(kroiEncodeGetDistReduction_JPEG2K(st, 0, &mant, &expo), kroStatusOk);
+    EXPECT_EQ(expo, 2 * (30 - (31 - mag_bits)) - 13);
+    ASSERT_EQ(kroiEncodeGetDist_JPEG2K(st, 0, &dist), kroStatusOk);
+    EXPECT_EQ(dist, 6144 * scale);
+  }
   kroiEncodeFree_JPEG2K(st);
 
   // nOfPasses 0 zeroes the destination (kept with 131072); 262144 keeps half values.
@@ -549,6 +562,11 @@ TEST(CodeBlock, EdgeCases) {
   EXPECT_EQ(d.v, Block(16, 0));
   d = DecodeOneCall(Bytes{1, 2, 3}, {3}, 4, 4, 0, 5, 0, kKeepDst | kNoClear);
   EXPECT_EQ(d.v, Block(16, 0x5A5A5A5A));
+  // Clearing ANDs with -(1 << p) for p = sfBits - 1, a 32-bit shift (count modulo 32).
+  d = DecodeOneCall(Bytes{1, 2, 3}, {3}, 4, 4, 0, 5, 0, kKeepDst);
+  EXPECT_EQ(d.v, Block(16, 0x5A5A5A50));
+  d = DecodeOneCall(Bytes{1, 2, 3}, {3}, 4, 4, 0, 40, 0, kKeepDst);
+  EXPECT_EQ(d.v, Block(16, 0x5A5A5A00));
 }
 
 }  // namespace
