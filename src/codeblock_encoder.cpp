@@ -6,8 +6,6 @@
 #include <limits.h>
 #include <string.h>
 
-#include <cmath>
-
 #include "codeblock_impl.h"
 #include "kro_checks.h"
 #include "mq_coder.h"
@@ -273,6 +271,19 @@ int decEncoderMQEncodeAndTerminate(Book& bk, const Kro8u* decisions, Kro8u* dst,
 
 bool BadId(const State* s) { return s->id != kEncodeId; }
 
+// 2^e as the distortion sums have always formed it: the double 1 / (1 << -e) for e <= 0
+// and the 32-bit integer 1 << e converted to double for e > 0. The shift is a 32-bit
+// one with its count taken modulo 32, as the processor does it, so exponents from 31 up
+// (only blocks with more than 22 planes above the lowest coded one reach them) read as
+// -2^31 for 31 and 2^(e - 32) beyond. Kept for compatibility with existing callers.
+double DistScale(int e) {
+  if (e <= 0) {
+    const uint32_t count = (0u - static_cast<uint32_t>(e)) & 31u;
+    return 1.0 / static_cast<double>(static_cast<int32_t>(1u << count));
+  }
+  return static_cast<double>(static_cast<int32_t>(1u << (static_cast<uint32_t>(e) & 31u)));
+}
+
 bool BadPass(const State* s, int n) { return n < 0 || n >= s->book->n_passes; }
 
 }  // namespace
@@ -387,8 +398,11 @@ KRO_EXPORT KroStatus kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
     }
   }
 
-  int segments = 0;
-  for (int k = 0; k < bk.n_passes; ++k) segments += enc::SegmentEndsAt(bk, k) ? 1 : 0;
+  // Every pass under terminate-every-pass, else one plus the changes of the raw flag: a
+  // block without passes reports one empty segment.
+  int segments = bk.term_all ? bk.n_passes : 1;
+  for (int k = 1; k < bk.n_passes && !bk.term_all; ++k)
+    segments += bk.pass_raw[k] != bk.pass_raw[k - 1] ? 1 : 0;
   bk.n_segments = segments;
   *pNOfPasses = bk.n_passes;
   *pNOfTermPasses = segments;
@@ -436,10 +450,9 @@ KRO_EXPORT KroStatus kroiEncodeGetDist_JPEG2K(const KroiEncodeState_JPEG2K* pSta
   if (enc::BadId(pState)) return kroStatusContextMismatch;
   if (pDist == nullptr) return kroStatusNullPointer;
   if (enc::BadPass(pState, nPass)) return kroStatusJPEG2KBadPassNumber;
-  // 2^e is exact in double for every exponent a block can produce (-13 up to 47).
   double dist = 0.0;
   for (int k = 0; k <= nPass; ++k)
-    dist += std::ldexp(static_cast<double>(pState->dist_mant[k]), pState->dist_exp[k]);
+    dist += static_cast<double>(pState->dist_mant[k]) * enc::DistScale(pState->dist_exp[k]);
   *pDist = dist;
   return kroStatusOk;
 }
