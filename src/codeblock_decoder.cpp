@@ -138,9 +138,11 @@ int magnitudeRefinementRaw(ProgrState& s, bool check) {
   return err;
 }
 
+// Concealment and clearing shift by the bit-plane as 32-bit shifts do, the count taken
+// modulo 32; planes beyond 30 only come with a bit-plane count the block cannot hold.
 void concealError(Kro32s* block, int step, KroiSize size, int p) {
-  const uint32_t keep = p >= 32 ? 0u : (p <= 0 ? ~0u : ~0u << p);
-  const uint32_t mark = p >= 0 && p < 32 ? 1u << p : 0u;
+  const uint32_t keep = ~0u << (p & 31);
+  const uint32_t mark = 1u << (p & 31);
   for (int y = 0; y < size.height; ++y) {
     Kro32s* row = RowPtr(block, step, y);
     for (int x = 0; x < size.width; ++x) {
@@ -152,7 +154,7 @@ void concealError(Kro32s* block, int step, KroiSize size, int p) {
 
 void ClearBelow(Kro32s* block, int step, KroiSize size, int p) {
   if (p < 1) return;
-  const Kro32s mask = p >= 32 ? 0 : static_cast<Kro32s>(~0u << p);  // -(1 << p)
+  const Kro32s mask = static_cast<Kro32s>(~0u << (p & 31));  // -(1 << p)
   for (int y = 0; y < size.height; ++y) {
     Kro32s* row = RowPtr(block, step, y);
     ref::AndCRow(row, mask, row, size.width);
