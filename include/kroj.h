@@ -526,8 +526,9 @@ KRO_API KroStatus kroiYCCKToCMYK_JPEG_8u_P4R(const Kro8u* const pSrc[4], int src
  * 3/4 and the other 1/4, rounding +1 for even and +2 for odd outputs, and copies
  * the end samples. H2V2 forms C_i = 3 pSrc1[i] + pSrc2[i] (pSrc1 the nearer row),
  * then 3/4 : 1/4 horizontally with ends 4 C, over 16, +8 even and +7 odd.
- * H1V2 computes exactly what H2V2 computes. A width of 1 reads pSrc[1] (H2V1 also
- * pSrc[-1]) and writes four outputs. */
+ * H1V2 computes exactly what H2V2 computes. A width of 1 is accepted and reads
+ * pSrc[1]; of the four outputs the filter forms then, only the first two fit the
+ * 2w-sample destination and are written (pDst[0], pDst[1]). */
 KRO_API KroStatus kroiSampleDownRowH2V1_Box_JPEG_8u_C1(const Kro8u* pSrc, int srcWidth,
                                                        Kro8u* pDst);
 KRO_API KroStatus kroiSampleDownRowH2V2_Box_JPEG_8u_C1(const Kro8u* pSrc1, const Kro8u* pSrc2,

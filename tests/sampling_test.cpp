@@ -108,18 +108,20 @@ TEST(SampleRow, AgainstTheFiltersForEveryWidth) {
   }
 }
 
-// A one-sample row is accepted: the closing pair follows the opening pair, so four
-// outputs are written; H2V1 reads one sample on each side of s[0], H2V2 only s[1].
+// A one-sample row is accepted and reads s[1]; only the opening pair fits the
+// two-sample destination, and nothing after it may be written.
 TEST(SampleRow, WidthOneUpSampling) {
   const Kro8u s[] = {40, 100, 200}, f[] = {0, 80, 160};
   Kro8u d[6];
   memset(d, kGuard, sizeof d);
-  ASSERT_EQ(kroiSampleUpRowH2V1_Triangle_JPEG_8u_C1(s + 1, 1, d), kroStatusOk);
-  EXPECT_EQ(Row(d, d + 6), (Row{100, 125, 85, 100, kGuard, kGuard}));
-  // C_0 = 380, C_1 = 760: (1520 + 8) >> 4, (1140 + 760 + 7) >> 4, (2280 + 380 + 8) >> 4, (3040 + 7)
-  // >> 4
-  ASSERT_EQ(kroiSampleUpRowH2V2_Triangle_JPEG_8u_C1(s + 1, f + 1, 1, d), kroStatusOk);
-  EXPECT_EQ(Row(d, d + 6), (Row{95, 119, 166, 190, kGuard, kGuard}));
+  ASSERT_EQ(kroiSampleUpRowH2V1_Triangle_JPEG_8u_C1(s + 1, 1, d + 1), kroStatusOk);
+  EXPECT_EQ(Row(d, d + 6), (Row{kGuard, 100, 125, kGuard, kGuard, kGuard}));
+  // C_0 = 380, C_1 = 760: (1520 + 8) >> 4, (1140 + 760 + 7) >> 4
+  for (auto fn :
+       {kroiSampleUpRowH2V2_Triangle_JPEG_8u_C1, kroiSampleUpRowH1V2_Triangle_JPEG_8u_C1}) {
+    ASSERT_EQ(fn(s + 1, f + 1, 1, d + 1), kroStatusOk);
+    EXPECT_EQ(Row(d, d + 6), (Row{kGuard, 95, 119, kGuard, kGuard, kGuard}));
+  }
 }
 
 // ---- Plane functions ----

@@ -34,34 +34,34 @@ inline void DownRowH2V2Box(const uint8_t* a, const uint8_t* c, int w, uint8_t* d
 }
 
 // 2w outputs; the outermost ones copy the edge samples. A one-sample row (w == 1)
-// is accepted for compatibility: the closing pair is then written after the opening
-// one, at d[2] and d[3], and s[1] and s[-1] are read.
+// is accepted for compatibility: the filter then forms an opening pair from s[0] and
+// s[1] and a closing pair after it, but the caller's row holds only two samples, so
+// only the opening pair is stored (d[0], d[1]) and nothing is written past d[1].
 inline void UpRowH2V1Triangle(const uint8_t* s, int w, uint8_t* d) {
   d[0] = s[0];
   d[1] = static_cast<uint8_t>((3 * s[0] + s[1] + 2) >> 2);
+  if (w < 2) return;
   for (int i = 1; i <= w - 2; ++i) {
     d[2 * i] = static_cast<uint8_t>((3 * s[i] + s[i - 1] + 1) >> 2);
     d[2 * i + 1] = static_cast<uint8_t>((3 * s[i] + s[i + 1] + 2) >> 2);
   }
-  const int t = w > 1 ? w - 1 : 1;
-  d[2 * t] = static_cast<uint8_t>((3 * s[w - 1] + s[w - 2] + 1) >> 2);
-  d[2 * t + 1] = s[w - 1];
+  d[2 * w - 2] = static_cast<uint8_t>((3 * s[w - 1] + s[w - 2] + 1) >> 2);
+  d[2 * w - 1] = s[w - 1];
 }
 
-// n is the nearer source row, f the farther one. For w == 1 the closing pair again
-// lands at d[2] and d[3]; it is computed from the column sums C_1 and C_0, so s[1]
-// is read but not s[-1].
+// n is the nearer source row, f the farther one. For w == 1 only the opening pair
+// (from the column sums C_0 and C_1) is stored, as above.
 inline void UpRowH2V2Triangle(const uint8_t* n, const uint8_t* f, int w, uint8_t* d) {
   auto col = [&](int i) { return 3 * n[i] + f[i]; };
   d[0] = static_cast<uint8_t>((4 * col(0) + 8) >> 4);
   d[1] = static_cast<uint8_t>((3 * col(0) + col(1) + 7) >> 4);
+  if (w < 2) return;
   for (int i = 1; i <= w - 2; ++i) {
     d[2 * i] = static_cast<uint8_t>((3 * col(i) + col(i - 1) + 8) >> 4);
     d[2 * i + 1] = static_cast<uint8_t>((3 * col(i) + col(i + 1) + 7) >> 4);
   }
-  const int t = w > 1 ? w - 1 : 1;
-  d[2 * t] = static_cast<uint8_t>((3 * col(t) + col(t - 1) + 8) >> 4);
-  d[2 * t + 1] = static_cast<uint8_t>((4 * col(t) + 7) >> 4);
+  d[2 * w - 2] = static_cast<uint8_t>((3 * col(w - 1) + col(w - 2) + 8) >> 4);
+  d[2 * w - 1] = static_cast<uint8_t>((4 * col(w - 1) + 7) >> 4);
 }
 
 // ---- Plane rows (width = destination samples) ----
