@@ -336,7 +336,7 @@ KroStatus DecACRefine(BitReader& r, Kro16s* dst, int Ss, int Se, int Al, const D
   const int32_t p1 = 1 << Al, m1 = ShlWrap32(-1, Al);
   KroStatus s;
   int k = Ss;
-  if (st->eobRun == 0) {
+  if (st->eobRun <= 0) {
     for (; k <= Se; ++k) {
       int sym;
       if ((s = ownpj_DecodeHuffSymbol(r, &sym, t)) != kroStatusOk) return s;

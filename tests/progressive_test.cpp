@@ -140,9 +140,11 @@ TEST(ProgressiveCoding, DecoderHandVectors) {
   EXPECT_EQ(5, last);
   EXPECT_EQ(20, blk[0]);
   // AC refinement: -4 with a correction bit 1 (EOB0 = 00, then 1) becomes -6 at Al 1
-  // and stays -4 at Al 2, where that bit is set already.
+  // and stays -4 at Al 2, where that bit is set already. Only a positive run skips
+  // the band: a negative one (a caller's corrupt state) decodes it.
   for (int al : {1, 2}) {
     kroiDecodeHuffmanStateInit_JPEG_8u(st.get());
+    st.get()->eobRun = al == 1 ? -3 : 0;
     pos = 0;
     src = {0x3F};
     blk[kZz[1]] = -4;
