@@ -1,20 +1,26 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Helpers shared by the wavelet tests: whole-sample symmetric extension, tiles with
-// a work buffer of exactly the reported size, and the quadrant layout.
+// Helpers shared by the wavelet tests: whole-sample symmetric extension, images of
+// exactly known size, work buffers of exactly the reported size, the quadrant layout
+// and a 2D level built from a one-line transform.
 #ifndef KROJ_TESTS_WAVELET_TEST_UTIL_H_
 #define KROJ_TESTS_WAVELET_TEST_UTIL_H_
 
 #include <stdint.h>
 #include <string.h>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "kroj.h"
+#include "test_util.h"
 
 namespace kro_test {
 
-// The index in [i0, i1) that position k mirrors to (T.800 F.3.7, PSE_O).
+// The index in [i0, i1) that position k mirrors to (T.800 F.3.7).
 inline int Mirror(int k, int i0, int i1) {
   if (i1 - i0 == 1) return i0;
   const int period = 2 * (i1 - i0 - 1);
@@ -26,8 +32,23 @@ inline int Mirror(int k, int i0, int i1) {
 // Low-pass count of n samples whose first position has parity p.
 inline int LowCount(int n, int p) { return (n + 1 - p) / 2; }
 
-// A heap block of exactly n bytes (ASan reports any access beyond it); never null,
-// even for n == 0.
+// Quadrant place of interleaved index j (low-pass samples first).
+inline int BandIndex(int j, int n, int p) { return ((j + p) & 1) ? LowCount(n, p) + j / 2 : j / 2; }
+
+template <class T>
+std::vector<T> ToBands(const std::vector<T>& y, int p) {
+  std::vector<T> b(y.size());
+  for (size_t j = 0; j < y.size(); ++j) b[BandIndex(static_cast<int>(j), static_cast<int>(y.size()), p)] = y[j];
+  return b;
+}
+template <class T>
+std::vector<T> FromBands(const std::vector<T>& b, int p) {
+  std::vector<T> y(b.size());
+  for (size_t j = 0; j < b.size(); ++j) y[j] = b[BandIndex(static_cast<int>(j), static_cast<int>(b.size()), p)];
+  return y;
+}
+
+// A heap block of exactly n bytes (ASan reports any access beyond it); never null.
 class ExactBuffer {
  public:
   explicit ExactBuffer(int n) : p_(new uint8_t[n > 0 ? n : 0]) {}
@@ -37,7 +58,7 @@ class ExactBuffer {
   std::unique_ptr<uint8_t[]> p_;
 };
 
-// A w x h image of T in one exactly sized block, with rows `pad` samples longer.
+// A w x h image of T in one exactly sized block, rows `pad` samples longer.
 template <class T>
 struct Plane {
   int w, h, pad;
@@ -45,12 +66,104 @@ struct Plane {
   Plane(int w_, int h_, int pad_ = 0) : w(w_), h(h_), pad(pad_), v(static_cast<size_t>(w_ + pad_) * h_) {}
   int step() const { return (w + pad) * static_cast<int>(sizeof(T)); }
   T* data() { return v.data(); }
-  const T* data() const { return v.data(); }
-  T& at(int x, int y) { return v[static_cast<size_t>(y) * (w + pad) + x]; }
-  T at(int x, int y) const { return v[static_cast<size_t>(y) * (w + pad) + x]; }
   T* row(int y) { return v.data() + static_cast<size_t>(y) * (w + pad); }
   const T* row(int y) const { return v.data() + static_cast<size_t>(y) * (w + pad); }
+  T& at(int x, int y) { return row(y)[x]; }
+  T at(int x, int y) const { return row(y)[x]; }
+  std::vector<T> Column(int x) const {
+    std::vector<T> c(h);
+    for (int y = 0; y < h; ++y) c[y] = at(x, y);
+    return c;
+  }
+  void SetColumn(int x, const std::vector<T>& c) {
+    for (int y = 0; y < h; ++y) at(x, y) = c[y];
+  }
+  std::vector<T> Row(int y) const { return std::vector<T>(row(y), row(y) + w); }
+  void SetRow(int y, const std::vector<T>& r) { std::copy(r.begin(), r.end(), row(y)); }
+  Plane Transposed() const {
+    Plane t(h, w);
+    for (int y = 0; y < h; ++y)
+      for (int x = 0; x < w; ++x) t.at(y, x) = at(x, y);
+    return t;
+  }
 };
+
+template <class A, class B>
+double MaxDiff(const Plane<A>& a, const Plane<B>& b) {
+  double m = 0;
+  for (int y = 0; y < a.h; ++y)
+    for (int x = 0; x < a.w; ++x)
+      m = std::max(m, std::abs(static_cast<double>(a.at(x, y)) - static_cast<double>(b.at(x, y))));
+  return m;
+}
+
+// One 2D level from a one-line transform line(samples, parity): columns then rows
+// into quadrant layout (forward), or rows then columns out of it (inverse).
+template <class T, class Line>
+void FwdTile(Plane<T>& img, int px, int py, Line line) {
+  for (int x = 0; x < img.w; ++x) img.SetColumn(x, ToBands(line(img.Column(x), py), py));
+  for (int y = 0; y < img.h; ++y) img.SetRow(y, ToBands(line(img.Row(y), px), px));
+}
+template <class T, class Line>
+void InvTile(Plane<T>& img, int px, int py, Line line) {
+  for (int y = 0; y < img.h; ++y) img.SetRow(y, line(FromBands(img.Row(y), px), px));
+  for (int x = 0; x < img.w; ++x) img.SetColumn(x, line(FromBands(img.Column(x), py), py));
+}
+
+// Band row of the region forms: the samples of one band of an interleaved line
+// (in quadrant layout `bands`, parity p) at band indices from..to, beyond the line
+// taken from the symmetric extension of the interleaved sequence. first_pos is the
+// position of band index 0 (0 or 2 for low, 1 for high; positions counted from the
+// line's first sample at p).
+template <class T>
+std::vector<T> ExtendedBand(const std::vector<T>& bands, int p, int first_pos, int from, int to) {
+  const int n = static_cast<int>(bands.size());
+  std::vector<T> out;
+  for (int k = from; k <= to; ++k) {
+    const int j = Mirror(first_pos + 2 * k, p, p + n) - p;
+    out.push_back(bands[BandIndex(j, n, p)]);
+  }
+  return out;
+}
+
+// The 2D functions of a family: F has kFwdIR, kInvIR, kSizeIR, kFwdR, kInvR, kSizeR.
+// One level in place with a work buffer of exactly the reported size.
+template <class F, class T>
+KroStatus InPlace(bool fwd, Plane<T>& img, const KroiRect& r) {
+  int size = -1;
+  EXPECT_EQ(F::kSizeIR(&r, &size), kroStatusOk);
+  ExactBuffer buf(size);
+  return (fwd ? F::kFwdIR : F::kInvIR)(img.data(), img.step(), &r, buf.get());
+}
+
+// Out of place: the bands are the in-place quadrants cut as if the first sample were
+// low-pass, whatever the origin's parity, and the inverse of those bands is the
+// in-place inverse; the work buffer is exactly the reported size.
+template <class F, class T>
+void CheckOutOfPlace(int w, int h, int px, int py, int64_t range, Rng& rng) {
+  const KroiRect r{px, py, w, h};
+  Plane<T> src(w, h, 3), inplace(w, h), back(w, h, 2);
+  rng.Fill(src.data(), src.v.size(), -range, range);
+  for (int y = 0; y < h; ++y) inplace.SetRow(y, src.Row(y));
+  ASSERT_EQ(InPlace<F>(true, inplace, r), kroStatusOk);
+  const int wl = (w + 1) / 2, hl = (h + 1) / 2, bx[4] = {0, 0, wl, wl}, by[4] = {0, hl, 0, hl},
+            bw[4] = {wl, wl, w / 2, w / 2}, bh[4] = {hl, h / 2, hl, h / 2};
+  std::vector<Plane<T>> band;
+  for (int b = 0; b < 4; ++b) band.emplace_back(std::max(bw[b], 1), std::max(bh[b], 1), b);
+  T* dst[4] = {band[0].data(), band[1].data(), band[2].data(), band[3].data()};
+  const T* cdst[4] = {dst[0], dst[1], dst[2], dst[3]};
+  int steps[4] = {band[0].step(), band[1].step(), band[2].step(), band[3].step()};
+  int size = -1;
+  ASSERT_EQ(F::kSizeR(&r, &size), kroStatusOk);
+  ExactBuffer buf(size);
+  ASSERT_EQ(F::kFwdR(src.data(), src.step(), dst, steps, &r, buf.get()), kroStatusOk);
+  for (int b = 0; b < 4; ++b)
+    for (int y = 0; y < bh[b]; ++y)
+      for (int x = 0; x < bw[b]; ++x) ASSERT_EQ(band[b].at(x, y), inplace.at(bx[b] + x, by[b] + y)) << b;
+  ASSERT_EQ(F::kInvR(cdst, steps, back.data(), back.step(), &r, buf.get()), kroStatusOk);
+  ASSERT_EQ(InPlace<F>(false, inplace, r), kroStatusOk);
+  ASSERT_EQ(MaxDiff(back, inplace), 0) << w << "x" << h << " at " << px << "," << py;
+}
 
 }  // namespace kro_test
 
