@@ -224,7 +224,9 @@ KRO_API KroStatus kroiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const Kro16s* pSrc, 
  * so consecutive calls pass the same variable along. Checks: pSrc or pSrcBitsLen
  * null -> -8; *pSrcBitsLen < 0 -> -5; pDst, pLastDC, pMarker, pPrefetchedBits,
  * pNumValidPrefetchedBits null -> -8; *pNumValidPrefetchedBits < 0 -> -5; tables
- * null -> -8. Running out of data before the DC symbol leaves a zero block (0). */
+ * null -> -8. Running out of data before the DC symbol leaves a zero block (0). The
+ * last bits before a marker are looked up padded with zeros; a code found there that
+ * is longer than they are leaves a negative count, refused by the next call (-5). */
 KRO_API KroStatus kroiDecodeHuffman8x8_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
                                                      int* pSrcCurrPos, Kro16s* pDst, Kro16s* pLastDC,
                                                      int* pMarker,

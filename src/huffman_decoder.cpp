@@ -105,7 +105,11 @@ int ownpj_PrefetchBits(DirectReader& r) {
 // Codes longer than 8 bits. Results: a symbol, kDirectBadCode when nothing matches
 // within 16 bits, kDirectEndOfData when the data ends first.
 int ownpj_DecodeLongBits(DirectReader& r, const DecSpec* t, int L) {
-  if (r.bits < L && ownpj_PrefetchBits(r) < L) return kDirectEndOfData;
+  if (r.bits < L) {
+    const int held = ownpj_PrefetchBits(r);
+    if (held <= 0) return kDirectEndOfData;
+    if (held < L) return kDirectBadCode;  // bits needed past a marker
+  }
   r.bits -= L;
   uint32_t code = LowBits(r.acc >> r.bits, L);
   for (;;) {
@@ -121,16 +125,16 @@ int ownpj_DecodeLongBits(DirectReader& r, const DecSpec* t, int L) {
   }
 }
 
-// With fewer than 8 bits left before a marker, the lookup index is padded with zeros;
-// a code that would need bits beyond the data counts as the end of the data.
+// With fewer than 8 bits left before a marker, the lookup index is padded with zeros
+// and the code found is taken whole: its length may exceed the bits held, leaving a
+// negative count, after which every refill yields nothing (existing callers rely on
+// this reading of the last bits before a marker).
 int ownpj_HuffDecode(DirectReader& r, const DecSpec* t) {
   if (r.bits < 8 && ownpj_PrefetchBits(r) <= 0) return kDirectEndOfData;
   const uint32_t idx = (r.bits >= 8 ? r.acc >> (r.bits - 8) : r.acc << (8 - r.bits)) & 255;
   const uint32_t e = t->fastLookup[idx];
   if (e == 0) return ownpj_DecodeLongBits(r, t, 9);
-  const int len = static_cast<int>(e >> 16);
-  if (len > r.bits) return kDirectEndOfData;
-  r.bits -= len;
+  r.bits -= static_cast<int>(e >> 16);
   return static_cast<int>(e & 0xFFFF);
 }
 

@@ -473,24 +473,34 @@ TEST_F(HuffmanCoding, DecoderEdges) {
   Kro8u none = 0;
   EXPECT_EQ(kroStatusJPEGOutOfBuffer, kroiDecodeHuffman8x8_JPEG_1u16s_C1(&none, 0, &pos, out, &last, &marker,
                                                                          ddc.get(), dac.get(), st.get()));
-  // The Direct decoder past its data: a zero block, predictor kept, nothing held.
-  std::vector<Kro8u> tail = {0x2B, 0xFF, 0xD9};
+  // The Direct decoder at the end of its data. 00 1010 00: a block (DC 0, EOB), then
+  // a DC of 0 with no bits left for the AC part, then no bits at all: a zero block,
+  // predictor kept, nothing held.
   int bitpos = 0, nvalid = 0;
   Kro32u acc = 0;
+  auto direct = [&](const std::vector<Kro8u>& src) {
+    return kroiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(src.data(), &bitpos, out, &last, &marker, &acc, &nvalid,
+                                                     ddc.get(), dac.get());
+  };
+  const std::vector<Kro8u> tail = {0x28, 0xFF, 0xD9};
   marker = 0;
   last = 5;
-  ASSERT_EQ(0, kroiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(tail.data(), &bitpos, out, &last, &marker, &acc, &nvalid,
-                                                         ddc.get(), dac.get()));
-  EXPECT_EQ(5, out[0]);
+  ASSERT_EQ(0, direct(tail));
   EXPECT_EQ(0xD9, marker);
   EXPECT_EQ(24, bitpos);
   EXPECT_EQ(2, nvalid);
-  ASSERT_EQ(0, kroiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(tail.data(), &bitpos, out, &last, &marker, &acc, &nvalid,
-                                                         ddc.get(), dac.get()));
+  ASSERT_EQ(0, direct(tail));
+  EXPECT_EQ(5, out[0]);
+  EXPECT_EQ(0, nvalid);
+  ASSERT_EQ(0, direct(tail));
   EXPECT_EQ(0, out[0]);
   EXPECT_EQ(5, last);
-  EXPECT_EQ(0, nvalid);
   EXPECT_EQ(24, bitpos);
+  // The last bits are padded with zeros for the lookup: 11 reads as 110 (category 5)
+  // whose extra bits are missing: -62.
+  bitpos = nvalid = marker = 0;
+  ASSERT_EQ(0, direct({0x2B, 0xFF, 0xD9}));
+  EXPECT_EQ(kroStatusJPEGOutOfBuffer, direct({0x2B, 0xFF, 0xD9}));
   marker = 0;
 
   // Runs past position 63, with a table holding ZRL, 0x71 and 0xF1 (codes 00, 01, 10)
