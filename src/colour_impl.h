@@ -159,10 +159,12 @@ struct LumaOut {
 
 enum class Ink { kNone, kComplement };  // CMYK carries the complements of R, G, B
 
-// RGB-like pixels -> Y, Cb, Cr (and K). With kLumaOnly only Y is computed.
+// RGB-like pixels x .. width-1 -> Y, Cb, Cr (and K). With kLumaOnly only Y is
+// computed. A vector row converts the first pixels and hands the rest to this one.
 template <class In, class Out, Ink kInk = Ink::kNone, bool kLumaOnly = false>
-void EncodeRow(const typename In::T* const* src, typename Out::T* const* dst, int width) {
-  for (int x = 0; x < width; ++x) {
+void EncodeRow(const typename In::T* const* src, typename Out::T* const* dst, int width,
+               int x = 0) {
+  for (; x < width; ++x) {
     Px p = In::Load(src, x);
     if constexpr (kInk == Ink::kComplement) p.c = {255 - p.c.r, 255 - p.c.g, 255 - p.c.b};
     if constexpr (kLumaOnly) {
@@ -175,8 +177,9 @@ void EncodeRow(const typename In::T* const* src, typename Out::T* const* dst, in
 
 // Y, Cb, Cr (and K) -> RGB-like pixels, clamped (and complemented for CMYK).
 template <class In, class Out, Ink kInk = Ink::kNone>
-void DecodeRow(const typename In::T* const* src, typename Out::T* const* dst, int width) {
-  for (int x = 0; x < width; ++x) {
+void DecodeRow(const typename In::T* const* src, typename Out::T* const* dst, int width,
+               int x = 0) {
+  for (; x < width; ++x) {
     Px p = In::Load(src, x);
     p.c = TableRgb(p.c.r, p.c.g, p.c.b);
     if constexpr (kInk == Ink::kComplement) p.c = {255 - p.c.r, 255 - p.c.g, 255 - p.c.b};

@@ -1,14 +1,34 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Plane colour conversion YCCK -> CMYK: Y, Cb, Cr to clamped R, G, B, stored as
 // their complements C, M, Y (Adobe-style inks); K passes through unchanged.
-#include "colour_impl.h"
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pjdeccc1.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
 
+#include "simd/colour-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace kro {
+namespace HWY_NAMESPACE {
+
+void ownpj_YCCKToCMYK_JPEG_8u_P4R(const Kro8u* const* src, Kro8u* const* dst, int width) {
+  DecodeRowSimd<PlanesInV<4>, PlanesOutV<4>, Ink::kComplement>(src, dst, width);
+}
+void ownpj_YCCKToCMYK_JPEG_8u_P4C4R(const Kro8u* const* src, Kro8u* const* dst, int width) {
+  DecodeRowSimd<PlanesInV<4>, BytesOutV<4, 0>, Ink::kComplement>(src, dst, width);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 namespace kro {
 
-inline constexpr PlaneRowFn<Kro8u, Kro8u> ownpj_YCCKToCMYK_JPEG_8u_P4R =
-    &DecodeRow<PlanesIn<4>, PlanesOut<4>, Ink::kComplement>;
-inline constexpr PlaneRowFn<Kro8u, Kro8u> ownpj_YCCKToCMYK_JPEG_8u_P4C4R =
-    &DecodeRow<PlanesIn<4>, BytesOut<4, 0>, Ink::kComplement>;
+HWY_EXPORT(ownpj_YCCKToCMYK_JPEG_8u_P4R);
+HWY_EXPORT(ownpj_YCCKToCMYK_JPEG_8u_P4C4R);
 
 }  // namespace kro
 
@@ -17,13 +37,14 @@ using kro::Rows;
 
 KRO_EXPORT KroStatus kroiYCCKToCMYK_JPEG_8u_P4C4R(const Kro8u* const pSrc[4], int srcStep,
                                                   Kro8u* pDst, int dstStep, KroiSize roiSize) {
-  return ConvertPlanes<4, 1, Rows::kParallel>(pSrc, srcStep, &pDst, dstStep, roiSize,
-                                              kro::ownpj_YCCKToCMYK_JPEG_8u_P4C4R);
+  return ConvertPlanes<4, 1, Rows::kParallel>(
+      pSrc, srcStep, &pDst, dstStep, roiSize, HWY_DYNAMIC_DISPATCH(kro::ownpj_YCCKToCMYK_JPEG_8u_P4C4R));
 }
 
 KRO_EXPORT KroStatus kroiYCCKToCMYK_JPEG_8u_P4R(const Kro8u* const pSrc[4], int srcStep,
                                                 Kro8u* const pDst[4], int dstStep,
                                                 KroiSize roiSize) {
-  return ConvertPlanes<4, 4, Rows::kParallel>(pSrc, srcStep, pDst, dstStep, roiSize,
-                                              kro::ownpj_YCCKToCMYK_JPEG_8u_P4R);
+  return ConvertPlanes<4, 4, Rows::kParallel>(
+      pSrc, srcStep, pDst, dstStep, roiSize, HWY_DYNAMIC_DISPATCH(kro::ownpj_YCCKToCMYK_JPEG_8u_P4R));
 }
+#endif  // HWY_ONCE

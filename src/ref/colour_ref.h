@@ -114,6 +114,8 @@ constexpr Rgb McuRgb(int32_t y, ChromaTerms t) {
 // drops the low bits. The spare bit 15 of 555 is written as 0 and ignored on input.
 template <bool kBgr, int kGreenBits>
 struct Packed {
+  static constexpr bool kIsBgr = kBgr;
+  static constexpr int kGreenWidth = kGreenBits;
   static constexpr int kHighShift = 5 + kGreenBits;
   static constexpr Rgb Unpack(uint16_t w) {
     const int32_t low = (w & 31) << 3;
