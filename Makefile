@@ -2,7 +2,8 @@
 #   make test                      install deps, configure, build, run every test
 #   make test SANITIZE=address,undefined   the same with sanitizers (in build-san/)
 #   make bench                     build kroj_bench and run it (results in build/bench.json)
-#   make demo                      run the example codec demo on the built-in image
+#   make demo                      build krojcodec, encode and decode the built-in image in
+#                                  every mode, print a table, leave the files in out/
 BUILD_TYPE ?= Release
 SANITIZE ?=
 JOBS ?= $(shell nproc)
@@ -37,9 +38,9 @@ bench: deps
 	@./build-bench/bench/kroj_bench --benchmark_out=build-bench/bench.json \
 	  --benchmark_out_format=json $(BENCH_ARGS)
 
-demo: build
-	@if [ -x $(BUILD)/examples/krojcodec ]; then $(BUILD)/examples/krojcodec demo; \
-	  else echo "the example codec is not built yet"; exit 1; fi
+demo: configure
+	@cmake --build $(BUILD) -j $(JOBS) --target krojcodec
+	@$(BUILD)/examples/krojcodec demo --out out $(DEMO_ARGS)
 
 clean:
 	rm -rf build build-* out

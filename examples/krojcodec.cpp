@@ -32,7 +32,7 @@ using namespace krojcodec;
 
 const char kUsage[] =
     "usage:\n"
-    "  krojcodec demo [--out DIR]\n"
+    "  krojcodec demo [--out DIR] [--threads N]\n"
     "      encode the built-in image in every mode, decode it again, print a table\n"
     "      and leave the files in DIR (default out/)\n"
     "  krojcodec encode IN.ppm|pgm|png OUT.jpg|j2k|jp2 [options]\n"
@@ -42,12 +42,16 @@ const char kUsage[] =
     "      JPEG 2000: --lossless-j2k (default) | --bpp R [--layers L]   --levels N\n"
     "  krojcodec decode IN.jpg|j2k|jp2 OUT.ppm|pgm|png [--fast-upsampling]\n";
 
+// Exit status 2: the command line was wrong.
 int Usage(const std::string& message) {
-  if (!message.empty()) fprintf(stderr, "krojcodec: %s\n", message.c_str());
-  fputs(kUsage, stderr);
+  if (message.empty())
+    fputs(kUsage, stderr);
+  else
+    fprintf(stderr, "krojcodec: %s (krojcodec help lists the commands)\n", message.c_str());
   return 2;
 }
 
+// Exit status 1: the work failed.
 int Error(const std::string& message) {
   fprintf(stderr, "krojcodec: %s\n", message.c_str());
   return 1;
@@ -294,6 +298,8 @@ int Demo(int argc, char** argv) {
   for (int i = 0; i < argc; ++i) {
     if (strcmp(argv[i], "--out") == 0 && i + 1 < argc)
       dir = argv[++i];
+    else if (strcmp(argv[i], "--threads") == 0 && i + 1 < argc && ParseInt(argv[i + 1], 1, 256, &threads_omp_of_n_kro))
+      ++i;
     else
       return Usage(std::string("unknown demo option ") + argv[i]);
   }
@@ -315,6 +321,7 @@ int Demo(int argc, char** argv) {
   std::vector<std::string> notes;
   int failures = 0;
   for (const DemoMode& mode : DemoModes()) {
+    fflush(stdout);
     std::vector<uint8_t> bytes;
     Image decoded;
     const double t_enc = TimeIt([&] { return mode.encode(original, &bytes, &error); });
