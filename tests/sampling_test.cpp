@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "simd_test_util.h"
 #include "test_util.h"
 
 namespace {
@@ -78,11 +79,18 @@ int UpH2V2(const Row& n, const Row& f, int k) {
   return (9 * n[i] + 3 * n[j] + 3 * f[i] + f[j] + (k % 2 ? 7 : 8)) >> 4;
 }
 
-// Every width from 1 to 40 (odd widths read the sample after the row when going
-// down); exactly ceil(w/2) or 2w outputs are written.
-TEST(SampleRow, AgainstTheFiltersForEveryWidth) {
+// Every compiled SIMD target: every width from 1 to 80 and a few long rows (odd
+// widths read the sample after the row when going down); exactly ceil(w/2) or 2w
+// outputs are written.
+class SamplingTargets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(SamplingTargets);
+
+TEST_P(SamplingTargets, RowsAgainstTheFilters) {
   Rng rng(3);
-  for (int w = 1; w <= 40; ++w) {
+  std::vector<int> widths(80);
+  for (int w = 1; w <= 80; ++w) widths[w - 1] = w;
+  widths.insert(widths.end(), {129, 200});
+  for (int w : widths) {
     Row a(w + 1), c(w + 1), d(2 * w + 8, kGuard);
     rng.Fill(a.data(), a.size(), 0, 255);
     rng.Fill(c.data(), c.size(), 0, 255);
@@ -213,13 +221,15 @@ TEST(SamplePlane, ArgumentChecksInOrder) {
   for (Kro8u v : d) EXPECT_EQ(v, kGuard);
 }
 
-// Edge sizes (one row, one column, odd sides) read the border exactly as documented.
-TEST(SamplePlane, AgainstTheFiltersWithBorder) {
+// Edge sizes (one row, one column, odd sides, every place a vector can end) read the
+// border exactly as documented.
+TEST_P(SamplingTargets, PlanesAgainstTheFiltersWithBorder) {
   uint64_t seed = 11;
-  for (const PlaneCase& c : kPlanes)
-    for (KroiSize size :
-         {KroiSize{1, 1}, KroiSize{1, 5}, KroiSize{7, 1}, KroiSize{33, 17}, KroiSize{64, 9}})
+  for (const PlaneCase& c : kPlanes) {
+    for (KroiSize size : {KroiSize{1, 1}, KroiSize{1, 5}, KroiSize{33, 17}})
       RunPlane(c, size, seed++);
+    for (int w : kro_test::EdgeWidths()) RunPlane(c, {w, 3}, seed++);
+  }
 }
 
 TEST(SamplePlane, SameResultForEveryThreadCount) {

@@ -33,37 +33,6 @@ inline void DownRowH2V2Box(const uint8_t* a, const uint8_t* c, int w, uint8_t* d
                                 2);
 }
 
-// 2w outputs; the outermost ones copy the edge samples. A one-sample row (w == 1)
-// is accepted for compatibility: the filter then forms an opening pair from s[0] and
-// s[1] and a closing pair after it, but the caller's row holds only two samples, so
-// only the opening pair is stored (d[0], d[1]) and nothing is written past d[1].
-inline void UpRowH2V1Triangle(const uint8_t* s, int w, uint8_t* d) {
-  d[0] = s[0];
-  d[1] = static_cast<uint8_t>((3 * s[0] + s[1] + 2) >> 2);
-  if (w < 2) return;
-  for (int i = 1; i <= w - 2; ++i) {
-    d[2 * i] = static_cast<uint8_t>((3 * s[i] + s[i - 1] + 1) >> 2);
-    d[2 * i + 1] = static_cast<uint8_t>((3 * s[i] + s[i + 1] + 2) >> 2);
-  }
-  d[2 * w - 2] = static_cast<uint8_t>((3 * s[w - 1] + s[w - 2] + 1) >> 2);
-  d[2 * w - 1] = s[w - 1];
-}
-
-// n is the nearer source row, f the farther one. For w == 1 only the opening pair
-// (from the column sums C_0 and C_1) is stored, as above.
-inline void UpRowH2V2Triangle(const uint8_t* n, const uint8_t* f, int w, uint8_t* d) {
-  auto col = [&](int i) { return 3 * n[i] + f[i]; };
-  d[0] = static_cast<uint8_t>((4 * col(0) + 8) >> 4);
-  d[1] = static_cast<uint8_t>((3 * col(0) + col(1) + 7) >> 4);
-  if (w < 2) return;
-  for (int i = 1; i <= w - 2; ++i) {
-    d[2 * i] = static_cast<uint8_t>((3 * col(i) + col(i - 1) + 8) >> 4);
-    d[2 * i + 1] = static_cast<uint8_t>((3 * col(i) + col(i + 1) + 7) >> 4);
-  }
-  d[2 * w - 2] = static_cast<uint8_t>((3 * col(w - 1) + col(w - 2) + 8) >> 4);
-  d[2 * w - 1] = static_cast<uint8_t>((4 * col(w - 1) + 7) >> 4);
-}
-
 // ---- Plane rows (width = destination samples) ----
 
 inline void DownH2V1Row(const uint8_t* s, uint8_t* d, int width) {
@@ -93,6 +62,35 @@ inline void UpH2V2Row(const uint8_t* n, const uint8_t* f, uint8_t* d, int width)
     d[x] = static_cast<uint8_t>((x & 1) ? (3 * col(i) + col(i + 1) + 7) >> 4
                                         : (3 * col(i) + col(i - 1) + 8) >> 4);
   }
+}
+
+// 2w outputs; the outermost ones copy the edge samples, the ones between are those
+// of the plane row (`middle`, which a vector row may replace). A one-sample row (w ==
+// 1) is accepted for compatibility: the filter then forms an opening pair from s[0]
+// and s[1] and a closing pair after it, but the caller's row holds only two
+// samples, so only the opening pair is stored and nothing is written past d[1].
+template <class Middle = void (*)(const uint8_t*, uint8_t*, int)>
+inline void UpRowH2V1Triangle(const uint8_t* s, int w, uint8_t* d, Middle middle = &UpH2V1Row) {
+  d[0] = s[0];
+  d[1] = static_cast<uint8_t>((3 * s[0] + s[1] + 2) >> 2);
+  if (w < 2) return;
+  middle(s + 1, d + 2, 2 * (w - 2));
+  d[2 * w - 2] = static_cast<uint8_t>((3 * s[w - 1] + s[w - 2] + 1) >> 2);
+  d[2 * w - 1] = s[w - 1];
+}
+
+// n is the nearer source row, f the farther one. For w == 1 only the opening pair
+// (from the column sums C_0 and C_1) is stored, as above.
+template <class Middle = void (*)(const uint8_t*, const uint8_t*, uint8_t*, int)>
+inline void UpRowH2V2Triangle(const uint8_t* n, const uint8_t* f, int w, uint8_t* d,
+                              Middle middle = &UpH2V2Row) {
+  auto col = [&](int i) { return 3 * n[i] + f[i]; };
+  d[0] = static_cast<uint8_t>((4 * col(0) + 8) >> 4);
+  d[1] = static_cast<uint8_t>((3 * col(0) + col(1) + 7) >> 4);
+  if (w < 2) return;
+  middle(n + 1, f + 1, d + 2, 2 * (w - 2));
+  d[2 * w - 2] = static_cast<uint8_t>((3 * col(w - 1) + col(w - 2) + 8) >> 4);
+  d[2 * w - 1] = static_cast<uint8_t>((4 * col(w - 1) + 7) >> 4);
 }
 
 }  // namespace kro::ref
