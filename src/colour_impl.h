@@ -230,6 +230,110 @@ using Mcu411 = McuGeometry<1, 1>;
 // luminance), or nothing (the samples are already in the output colour space).
 enum class McuKind { kYCbCr, kYCCK, kNone };
 
+// ---- MCU kernels (scalar) ----
+// The vector kernels of simd/mcu-inl.h compute the same values.
+
+// One MCU of pixels -> level-shifted blocks: luminance (or the first component, and
+// K) per pixel, chroma from the sums of each group's R, G, B. The chroma of a 2- or
+// 4-pixel group is computed from the sums with the shift widened by one or two bits,
+// i.e. the floor of the chroma of the mean colour.
+template <class G, class In, McuKind kKind>
+void EncodeMcuBlocks(const typename In::T* pSrc, int srcStep, Kro16s* const* dst);
+
+// Encoder input, the 4:2:2 byte stream Y0 Cb Y1 Cr: pixel x reads its own Y and the
+// chroma of its pair, so the floor mean over the pair is the pair's chroma sample.
+struct YCbYCrIn {
+  using T = Kro8u;
+  static Px Load(const T* const* s, int x) {
+    const T* pair = s[0] + 4 * (x >> 1);
+    return {{s[0][2 * x], pair[1], pair[3]}, 0};
+  }
+};
+
+template <class G, class In, McuKind kKind>
+void EncodeMcuBlocks(const typename In::T* pSrc, int srcStep, Kro16s* const* dst) {
+  constexpr int kGroupX = 1 << G::kShiftX, kGroupY = 1 << G::kShiftY;
+  for (int cy = 0; cy < 8; ++cy) {
+    for (int cx = 0; cx < 8; ++cx) {
+      ref::Rgb sum{0, 0, 0};
+      for (int dy = 0; dy < kGroupY; ++dy) {
+        const int y = cy * kGroupY + dy;
+        const typename In::T* row = RowPtr(pSrc, srcStep, y);
+        for (int dx = 0; dx < kGroupX; ++dx) {
+          const int x = cx * kGroupX + dx;
+          Px p = In::Load(&row, x);
+          const int full = G::FullIndex(x, y);
+          if constexpr (kKind == McuKind::kNone) {
+            dst[0][full] = static_cast<Kro16s>(p.c.r - 128);
+          } else {
+            if constexpr (kKind == McuKind::kYCCK) {
+              p.c = {255 - p.c.r, 255 - p.c.g, 255 - p.c.b};
+              dst[3][full] = static_cast<Kro16s>(p.k - 128);
+            }
+            dst[0][full] = ref::McuY(p.c);
+          }
+          sum = {sum.r + p.c.r, sum.g + p.c.g, sum.b + p.c.b};
+        }
+      }
+      const int c = 8 * cy + cx;
+      if constexpr (kKind == McuKind::kNone) {
+        dst[1][c] = static_cast<Kro16s>((sum.g >> G::kLog2Group) - 128);
+        dst[2][c] = static_cast<Kro16s>((sum.b >> G::kLog2Group) - 128);
+      } else {
+        dst[1][c] = ref::McuCb(sum, G::kLog2Group);
+        dst[2][c] = ref::McuCr(sum, G::kLog2Group);
+      }
+    }
+  }
+}
+
+// Level-shifted blocks -> one MCU of pixels, each chroma sample replicated over its
+// group. The colour arithmetic works directly on the signed samples without
+// rounding terms (ref::McuChromaTerms, ref::McuRgb).
+template <class G, class Out, McuKind kKind>
+void DecodeMcuBlocks(const Kro16s* const* src, typename Out::T* pDst, int dstStep);
+
+// Decoder output, the 4:2:2 byte stream Y0 Cb Y1 Cr: each pixel writes its Y and, at
+// the byte after it, Cb for the left pixel of a pair and Cr for the right one.
+struct YCbYCrOut {
+  using T = Kro8u;
+  static void Store(T* const* d, int x, Px p) {
+    d[0][2 * x] = static_cast<T>(p.c.r);
+    d[0][2 * x + 1] = static_cast<T>((x & 1) ? p.c.b : p.c.g);
+  }
+};
+
+template <class G, class Out, McuKind kKind>
+void DecodeMcuBlocks(const Kro16s* const* src, typename Out::T* pDst, int dstStep) {
+  constexpr int kGroupX = 1 << G::kShiftX, kGroupY = 1 << G::kShiftY;
+  for (int cy = 0; cy < 8; ++cy) {
+    for (int cx = 0; cx < 8; ++cx) {
+      const int cb = src[1][8 * cy + cx], cr = src[2][8 * cy + cx];
+      const ref::ChromaTerms terms = ref::McuChromaTerms(cb, cr);
+      for (int dy = 0; dy < kGroupY; ++dy) {
+        const int y = cy * kGroupY + dy;
+        typename Out::T* row = RowPtr(pDst, dstStep, y);
+        for (int dx = 0; dx < kGroupX; ++dx) {
+          const int x = cx * kGroupX + dx;
+          const int full = G::FullIndex(x, y);
+          Px p{};
+          if constexpr (kKind == McuKind::kNone) {
+            p.c = {ref::Clamp255(src[0][full] + 128), ref::Clamp255(cb + 128),
+                   ref::Clamp255(cr + 128)};
+          } else {
+            p.c = ref::McuRgb(src[0][full], terms);
+          }
+          if constexpr (kKind == McuKind::kYCCK) {
+            p.c = {255 - p.c.r, 255 - p.c.g, 255 - p.c.b};
+            p.k = static_cast<uint8_t>(src[3][full] + 128);  // wraps, never clamped
+          }
+          Out::Store(&row, x, p);
+        }
+      }
+    }
+  }
+}
+
 }  // namespace kro
 
 #endif  // KROJ_SRC_COLOUR_IMPL_H_

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "simd_test_util.h"
 #include "test_util.h"
 
 namespace {
@@ -166,10 +167,14 @@ TEST(Mcu, ArgumentChecksInOrder) {
   }
 }
 
+// Every compiled SIMD target against the rules below, on random MCUs at odd steps.
+class McuTargets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(McuTargets);
+
 // Encoder: Y' = floor((19595 R + 38470 G + 7471 B) / 2^16) - 128 per pixel; chroma
 // floor((-11059 R - 21709 G + 32768 B) / 2^16) and floor((32768 R - 27439 G - 5329 B)
 // / 2^16) of the group's mean colour; without conversion the floor of the mean - 128.
-TEST(Mcu, EncodersAgainstThePixelRules) {
+TEST_P(McuTargets, EncodersAgainstThePixelRules) {
   Rng rng(21);
   for (const Member& m : kMembers)
     for (int rep = 0; rep < 20; ++rep) {
@@ -203,7 +208,7 @@ TEST(Mcu, EncodersAgainstThePixelRules) {
 // Decoder: R = y + floor(wrap32(91881 cr) / 2^16) + 128, G with -22554 cb - 46802 cr,
 // B with 116130 cb, clamped; chroma replicated over its group; K = (k + 128) mod 256.
 // Samples span both the inverse DCT's range and all of Kro16s, where products wrap.
-TEST(Mcu, DecodersAgainstThePixelRules) {
+TEST_P(McuTargets, DecodersAgainstThePixelRules) {
   Rng rng(33);
   for (const Member& m : kMembers)
     for (int rep = 0; rep < 20; ++rep) {
