@@ -26,6 +26,8 @@ constexpr int kFracBits = 8;
 constexpr int kBlockLog2 = 6;
 constexpr int kBlockSize = 1 << kBlockLog2;
 constexpr int kMaxLayers = 64;
+// The code-block coder's sub-band codes for LL, HL, LH, HH.
+constexpr int kLibrarySubband[4] = {0, 2, 1, 3};
 
 bool Fail(std::string* error, const std::string& what) {
   *error = what;
@@ -86,6 +88,8 @@ class Encoder {
                     std::string* error);
   bool AllocateLayers(size_t budget, std::string* error);
   size_t PacketBytes(int last_layer);
+  void TightenFinalCuts();
+  void SetLayer(const std::vector<int>& cut, int layer);
   void WritePackets(std::vector<uint8_t>* body);
 
   const Image& img_;
@@ -267,7 +271,6 @@ bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, do
   }
   // Lossless coding makes the last plane exact, which flag 32 tells the distortion
   // estimates; every segment ends with the shortest termination.
-  static const int kLibrarySubband[4] = {0, 2, 1, 3};  // LL, HL, LH, HH
   int sf_bits = 0, passes = 0, segments = 0;
   KroStatus st = kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
       words, w * 4, KroiSize{w, h}, state_, kLibrarySubband[band.orient], band.mb,
@@ -307,6 +310,12 @@ bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, do
   return true;
 }
 
+// Layer l and every layer after it take cut[b] passes of block b.
+void Encoder::SetLayer(const std::vector<int>& cut, int layer) {
+  for (int b = 0; b < tile_.num_blocks; ++b)
+    for (int k = layer; k < layers_; ++k) layer_passes_[static_cast<size_t>(b) * layers_ + k] = cut[b];
+}
+
 // Bytes of the packets of layers 0..last_layer with the current layer_passes_.
 size_t Encoder::PacketBytes(int last_layer) {
   StartPacketEncoding(&tile_, encoded_.data(), layers_);
@@ -337,14 +346,9 @@ bool Encoder::AllocateLayers(size_t budget, std::string* error) {
   }
   if (!PacketOrder(tile_, layers_, kLRCP, &order_, error)) return false;
 
-  // Layer l and every layer after it take cut[b] passes of block b.
   std::vector<int> cut(static_cast<size_t>(nb));
-  auto set_layer = [&](int l) {
-    for (int b = 0; b < nb; ++b)
-      for (int k = l; k < layers_; ++k) layer_passes_[static_cast<size_t>(b) * layers_ + k] = cut[b];
-  };
   for (int b = 0; b < nb; ++b) cut[b] = blocks_[b].passes;
-  set_layer(0);
+  SetLayer(cut, 0);
   const size_t everything = PacketBytes(layers_ - 1);
   const bool keep_all = budget == 0 || everything <= budget;
   const size_t top = keep_all ? everything : budget;
@@ -354,27 +358,73 @@ bool Encoder::AllocateLayers(size_t budget, std::string* error) {
   for (int l = 0; l < layers_; ++l) {
     if (l == layers_ - 1 && keep_all) {
       for (int b = 0; b < nb; ++b) cut[b] = blocks_[b].passes;
-      set_layer(l);
+      SetLayer(cut, l);
       break;
     }
     const size_t target = static_cast<size_t>(static_cast<double>(top) * exp2(-(layers_ - 1 - l) * step));
-    auto cut_at = [&](double t) {
-      for (int b = 0; b < nb; ++b) cut[b] = std::max(floor_cut[b], rate_.Cut(b, t));
-      set_layer(l);
+    auto measure = [&]() {
+      SetLayer(cut, l);
+      return PacketBytes(l);
     };
     lambda = rate_.Search(target, lambda, [&](double t) {
-      cut_at(t);
-      return PacketBytes(l);
+      for (int b = 0; b < nb; ++b) cut[b] = std::max(floor_cut[b], rate_.Cut(b, t));
+      return measure();
     });
-    cut_at(lambda);
-    rate_.Fill(target, &cut, [&]() {
-      set_layer(l);
-      return PacketBytes(l);
-    });
-    set_layer(l);
+    for (int b = 0; b < nb; ++b) cut[b] = std::max(floor_cut[b], rate_.Cut(b, lambda));
+    rate_.Fill(target, &cut, measure);
+    SetLayer(cut, l);
+    if (l == layers_ - 1 && opt_.exact_truncation) {
+      TightenFinalCuts();
+      rate_.Fill(target, &cut, measure);  // spend what the shorter cuts freed
+      SetLayer(cut, l);
+      TightenFinalCuts();
+    }
     floor_cut = cut;
   }
   return true;
+}
+
+// The library's truncation lengths are safe upper bounds: the coder's registers may hold
+// bytes that the decoder does not need. The cuts of the last layer decide the size of
+// the file; for each truncated block, find by decoding whether a prefix two or one byte
+// shorter still decodes to the same coefficients (usually it does).
+void Encoder::TightenFinalCuts() {
+  int size = 0;
+  kroiDecodeGetBufSize_JPEG2K(KroiSize{kBlockSize, kBlockSize}, &size);
+  std::vector<uint8_t> state(static_cast<size_t>(size));
+  auto* decoder = reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(state.data());
+  int32_t reference[kBlockSize * kBlockSize], trial[kBlockSize * kBlockSize];
+  const size_t last = static_cast<size_t>(layers_) - 1;
+  for (const TileComponent& tc : tile_.comps)
+    for (const Resolution& res : tc.res)
+      for (const Precinct& p : res.precincts)
+        for (int k = 0; k < p.nbands; ++k) {
+          const Band& band = res.bands[p.bands[k].band];
+          for (const j2k::CodeBlock& cb : p.bands[k].blocks) {
+            const CodedBlock& coded = blocks_[cb.index];
+            const int* passes = layer_passes_.data() + static_cast<size_t>(cb.index) * layers_;
+            const int n = passes[last];
+            if (n == 0 || n == coded.passes) continue;
+            int* length = length_.data() + coded.first;
+            const int previous_layer_end = last > 0 ? length[passes[last - 1]] : 0;
+            const uint8_t* data = arena_.data() + coded.data;
+            const int w = cb.width(), h = cb.height();
+            auto decode = [&](int bytes, int32_t* out) {
+              kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
+                  data, out, w * 4, KroiSize{w, h}, kLibrarySubband[band.orient],
+                  band.mb - coded.zero_planes + 1, n, &bytes, 1, 262144, nullptr, decoder);
+            };
+            decode(length[n], reference);
+            for (int shorter = length[n] - 2; shorter < length[n]; ++shorter) {
+              if (shorter < previous_layer_end || (shorter > 0 && data[shorter - 1] == 0xFF)) continue;
+              decode(shorter, trial);
+              if (memcmp(reference, trial, sizeof(int32_t) * w * h) == 0) {
+                for (int j = n; j >= 0 && length[j] > shorter; --j) length[j] = shorter;
+                break;
+              }
+            }
+          }
+        }
 }
 
 void Encoder::WritePackets(std::vector<uint8_t>* body) {
