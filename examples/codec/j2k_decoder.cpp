@@ -51,7 +51,8 @@ class Decoder {
   bool CheckSupported(std::string* error) const;
   bool ReadPackets(const uint8_t* data, size_t size, std::string* error);
   bool DecodeBlocks(std::string* error);
-  bool DecodeBlock(int c, const Band& band, const j2k::CodeBlock& cb, int flags, std::string* error);
+  bool DecodeBlock(int c, const Band& band, const j2k::CodeBlock& cb, int flags,
+                   std::string* error);
   bool InverseTransforms(std::string* error);
   void Output(Image* img) const;
 
@@ -113,7 +114,8 @@ bool Decoder::DecodeBlock(int c, const Band& band, const j2k::CodeBlock& cb, int
   int lengths[kMaxPasses] = {};
   const int segments = SegmentOfPass(cb.passes - 1, tc.cb_style) + 1;
   size_t total = 0;
-  for (int k = cb.first_chunk; k >= 0; k = packets_.chunks()[k].next) total += packets_.chunks()[k].length;
+  for (int k = cb.first_chunk; k >= 0; k = packets_.chunks()[k].next)
+    total += packets_.chunks()[k].length;
   segment_data_.resize(std::max<size_t>(total, 1));
   size_t at = 0;
   for (int k = cb.first_chunk; k >= 0; k = packets_.chunks()[k].next) {
@@ -127,11 +129,10 @@ bool Decoder::DecodeBlock(int c, const Band& band, const j2k::CodeBlock& cb, int
   int32_t* dst = planes_[c].data() + static_cast<size_t>(band.buf_y + cb.y0 - band.y0) * stride +
                  band.buf_x + (cb.x0 - band.x0);
   const int w = cb.width(), h = cb.height();
-  static const int kLibrarySubband[4] = {0, 2, 1, 3};  // LL, HL, LH, HH
   // One plane more than coded: the decoder's midpoint half-bits land in bit 0.
   const int sf_bits = band.mb - cb.zero_planes + 1;
   const KroStatus st = kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
-      segment_data_.data(), dst, stride * 4, KroiSize{w, h}, kLibrarySubband[band.orient], sf_bits,
+      segment_data_.data(), dst, stride * 4, KroiSize{w, h}, CoderSubband(band.orient), sf_bits,
       cb.passes, lengths, segments, flags, nullptr,
       reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(state_.data()));
   // Corrupt data that the termination checks catch keeps what was decoded before it.
@@ -186,7 +187,8 @@ bool Decoder::DecodeBlocks(std::string* error) {
 bool Decoder::InverseTransforms(std::string* error) {
   for (size_t c = 0; c < tile_.comps.size(); ++c) {
     const TileComponent& tc = tile_.comps[c];
-    KroiRect full = {static_cast<int>(tc.x0 & 1), static_cast<int>(tc.y0 & 1), tc.width(), tc.height()};
+    KroiRect full = {static_cast<int>(tc.x0 & 1), static_cast<int>(tc.y0 & 1), tc.width(),
+                     tc.height()};
     int size = 0;
     if (tc.reversible)
       kroiWTGetBufSize_B53_JPEG2K_32s_C1IR(&full, &size);
@@ -199,10 +201,11 @@ bool Decoder::InverseTransforms(std::string* error) {
       // Only the parity of the origin matters to the transform.
       KroiRect rect = {static_cast<int>(res.x0 & 1), static_cast<int>(res.y0 & 1), res.width(),
                        res.height()};
-      const KroStatus st =
-          tc.reversible
-              ? kroiWTInv_B53_JPEG2K_32s_C1IR(planes_[c].data(), tc.width() * 4, &rect, buffer.data())
-              : kroiWTInv_D97_JPEG2K_32s_C1IR(planes_[c].data(), tc.width() * 4, &rect, buffer.data());
+      const KroStatus st = tc.reversible
+                               ? kroiWTInv_B53_JPEG2K_32s_C1IR(planes_[c].data(), tc.width() * 4,
+                                                               &rect, buffer.data())
+                               : kroiWTInv_D97_JPEG2K_32s_C1IR(planes_[c].data(), tc.width() * 4,
+                                                               &rect, buffer.data());
       if (st < 0) return Fail(error, "inverse wavelet transform failed");
     }
   }

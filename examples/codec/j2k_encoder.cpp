@@ -26,8 +26,6 @@ constexpr int kFracBits = 8;
 constexpr int kBlockLog2 = 6;
 constexpr int kBlockSize = 1 << kBlockLog2;
 constexpr int kMaxLayers = 64;
-// The code-block coder's sub-band codes for LL, HL, LH, HH.
-constexpr int kLibrarySubband[4] = {0, 2, 1, 3};
 
 bool Fail(std::string* error, const std::string& what) {
   *error = what;
@@ -64,8 +62,8 @@ double ComponentWeight(int channels, bool reversible, int c) {
 
 // Code-block coder results kept for rate control and packet assembly.
 struct CodedBlock {
-  size_t data = 0;    // offset of the coded bytes in the arena
-  size_t first = 0;   // offset of length[0] in the per-pass arrays
+  size_t data = 0;   // offset of the coded bytes in the arena
+  size_t first = 0;  // offset of length[0] in the per-pass arrays
   int passes = 0;
   int zero_planes = 0;
 };
@@ -101,8 +99,8 @@ class Encoder {
   KroiEncodeState_JPEG2K* state_ = nullptr;
   std::vector<uint8_t> arena_;
   std::vector<CodedBlock> blocks_;
-  std::vector<int> length_;     // per block: bytes after 0..passes passes
-  std::vector<double> dist_;    // per block: weighted distortion reduction after 0..passes
+  std::vector<int> length_;        // per block: bytes after 0..passes passes
+  std::vector<double> dist_;       // per block: weighted distortion reduction after 0..passes
   std::vector<int> layer_passes_;  // per block and layer
   std::vector<EncodedBlock> encoded_;
   std::vector<PacketId> order_;
@@ -184,10 +182,12 @@ bool Encoder::Transform(std::string* error) {
     std::vector<uint8_t> buffer(static_cast<size_t>(std::max(size, 1)));
     for (int r = tc.levels; r > 0; --r) {
       const Resolution& res = tc.res[r];
-      KroiRect rect = {static_cast<int>(res.x0), static_cast<int>(res.y0), res.width(), res.height()};
+      KroiRect rect = {static_cast<int>(res.x0), static_cast<int>(res.y0), res.width(),
+                       res.height()};
       const KroStatus st =
-          opt_.lossless ? kroiWTFwd_B53_JPEG2K_32s_C1IR(planes_[c].data(), w * 4, &rect, buffer.data())
-                        : kroiWTFwd_D97_JPEG2K_32s_C1IR(planes_[c].data(), w * 4, &rect, buffer.data());
+          opt_.lossless
+              ? kroiWTFwd_B53_JPEG2K_32s_C1IR(planes_[c].data(), w * 4, &rect, buffer.data())
+              : kroiWTFwd_D97_JPEG2K_32s_C1IR(planes_[c].data(), w * 4, &rect, buffer.data());
       if (LibraryFailed(st, "forward wavelet transform", error)) return false;
     }
   }
@@ -207,7 +207,8 @@ bool Encoder::SetGuardBits(std::string* error) {
           const int32_t* row = planes_[c].data() + static_cast<size_t>(b.buf_y + y) * w + b.buf_x;
           for (int x = 0; x < b.width(); ++x) peak = std::max<int64_t>(peak, llabs(row[x]));
         }
-        const double q = opt_.lossless ? static_cast<double>(peak) : peak / ldexp(b.step, kFracBits);
+        const double q =
+            opt_.lossless ? static_cast<double>(peak) : peak / ldexp(b.step, kFracBits);
         int bits = 0;
         while (bits < 40 && ldexp(1.0, bits) <= q) ++bits;
         const int eps = b.mb + 1 - header_.quant[c].guard_bits;
@@ -251,8 +252,9 @@ bool Encoder::CodeBlocks(std::string* error) {
 bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, double weight,
                            std::string* error) {
   const int w = cb.width(), h = cb.height(), stride = img_.width;
-  const int32_t* src = planes_[c].data() + static_cast<size_t>(band.buf_y + cb.y0 - band.y0) * stride +
-                       band.buf_x + (cb.x0 - band.x0);
+  const int32_t* src = planes_[c].data() +
+                       static_cast<size_t>(band.buf_y + cb.y0 - band.y0) * stride + band.buf_x +
+                       (cb.x0 - band.x0);
   int32_t words[kBlockSize * kBlockSize];
   const int low_plane = 31 - band.mb;
   const double scale = opt_.lossless ? 0.0 : ldexp(1.0 / band.step, low_plane - kFracBits);
@@ -273,8 +275,8 @@ bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, do
   // estimates; every segment ends with the shortest termination.
   int sf_bits = 0, passes = 0, segments = 0;
   KroStatus st = kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
-      words, w * 4, KroiSize{w, h}, state_, kLibrarySubband[band.orient], band.mb,
-      kroMQTermMinimal, 0, opt_.lossless ? 32 : 0, &sf_bits, &passes, &segments);
+      words, w * 4, KroiSize{w, h}, state_, CoderSubband(band.orient), band.mb, kroMQTermMinimal, 0,
+      opt_.lossless ? 32 : 0, &sf_bits, &passes, &segments);
   if (LibraryFailed(st, "code-block encoder", error)) return false;
 
   CodedBlock& out = blocks_[cb.index];
@@ -313,7 +315,8 @@ bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, do
 // Layer l and every layer after it take cut[b] passes of block b.
 void Encoder::SetLayer(const std::vector<int>& cut, int layer) {
   for (int b = 0; b < tile_.num_blocks; ++b)
-    for (int k = layer; k < layers_; ++k) layer_passes_[static_cast<size_t>(b) * layers_ + k] = cut[b];
+    for (int k = layer; k < layers_; ++k)
+      layer_passes_[static_cast<size_t>(b) * layers_ + k] = cut[b];
 }
 
 // Bytes of the packets of layers 0..last_layer with the current layer_passes_.
@@ -361,7 +364,8 @@ bool Encoder::AllocateLayers(size_t budget, std::string* error) {
       SetLayer(cut, l);
       break;
     }
-    const size_t target = static_cast<size_t>(static_cast<double>(top) * exp2(-(layers_ - 1 - l) * step));
+    const size_t target =
+        static_cast<size_t>(static_cast<double>(top) * exp2(-(layers_ - 1 - l) * step));
     auto measure = [&]() {
       SetLayer(cut, l);
       return PacketBytes(l);
@@ -411,12 +415,13 @@ void Encoder::TightenFinalCuts() {
             const int w = cb.width(), h = cb.height();
             auto decode = [&](int bytes, int32_t* out) {
               kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
-                  data, out, w * 4, KroiSize{w, h}, kLibrarySubband[band.orient],
+                  data, out, w * 4, KroiSize{w, h}, CoderSubband(band.orient),
                   band.mb - coded.zero_planes + 1, n, &bytes, 1, 262144, nullptr, decoder);
             };
             decode(length[n], reference);
             for (int shorter = length[n] - 2; shorter < length[n]; ++shorter) {
-              if (shorter < previous_layer_end || (shorter > 0 && data[shorter - 1] == 0xFF)) continue;
+              if (shorter < previous_layer_end || (shorter > 0 && data[shorter - 1] == 0xFF))
+                continue;
               decode(shorter, trial);
               if (memcmp(reference, trial, sizeof(int32_t) * w * h) == 0) {
                 for (int j = n; j >= 0 && length[j] > shorter; --j) length[j] = shorter;

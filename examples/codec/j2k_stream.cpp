@@ -91,8 +91,7 @@ bool ParseComponentStyle(Reader& r, bool precincts, ComponentStyle* s, std::stri
     const uint32_t pp = precincts ? r.U8() : 0xFF;
     s->ppx[i] = static_cast<uint8_t>(pp & 15);
     s->ppy[i] = static_cast<uint8_t>(pp >> 4);
-    if (i > 0 && (s->ppx[i] == 0 || s->ppy[i] == 0))
-      return Fail(error, "invalid precinct size");
+    if (i > 0 && (s->ppx[i] == 0 || s->ppy[i] == 0)) return Fail(error, "invalid precinct size");
   }
   if (r.bad()) return Fail(error, "truncated precinct sizes");
   return true;
@@ -135,7 +134,8 @@ bool ParseSiz(Reader& r, Header* h, std::string* error) {
   h->ty0 = r.U32();
   const uint32_t csiz = r.U16();
   if (r.bad()) return Fail(error, "truncated SIZ segment");
-  if (rsiz & 0xC000) return Fail(error, "code-stream uses extensions this decoder does not support");
+  if (rsiz & 0xC000)
+    return Fail(error, "code-stream uses extensions this decoder does not support");
   if (csiz < 1 || csiz > 16384) return Fail(error, "invalid number of components");
   if (h->x1 <= h->x0 || h->y1 <= h->y0) return Fail(error, "empty image area");
   if (h->tw == 0 || h->th == 0 || h->tx0 > h->x0 || h->ty0 > h->y0 ||
@@ -143,7 +143,8 @@ bool ParseSiz(Reader& r, Header* h, std::string* error) {
     return Fail(error, "invalid tile grid");
   const uint64_t tiles_x = (uint64_t{h->x1} - h->tx0 + h->tw - 1) / h->tw;
   const uint64_t tiles_y = (uint64_t{h->y1} - h->ty0 + h->th - 1) / h->th;
-  if (tiles_x * tiles_y != 1) return Fail(error, "code-streams with several tiles are not supported");
+  if (tiles_x * tiles_y != 1)
+    return Fail(error, "code-streams with several tiles are not supported");
   h->comps.resize(csiz);
   for (Component& c : h->comps) {
     const uint32_t ssiz = r.U8();
@@ -208,8 +209,7 @@ bool ParseCodingSegment(uint16_t marker, Reader& r, size_t length, size_t ncomps
     case kQCC: {
       const size_t index_bytes = ncomps < 257 ? 1 : 2;
       const uint32_t c = ComponentIndex(r, ncomps);
-      if (r.bad() || c >= ncomps || length < index_bytes)
-        return Fail(error, "invalid QCC segment");
+      if (r.bad() || c >= ncomps || length < index_bytes) return Fail(error, "invalid QCC segment");
       ComponentQuant q;
       if (!ParseQuant(r, length - index_bytes, &q, error)) return false;
       cs->qcc[c] = q;
@@ -292,10 +292,10 @@ void WriteMainHeader(const Header& h, std::vector<uint8_t>* out) {
 void WriteTilePartHeader(size_t body_length, std::vector<uint8_t>* out) {
   Put16(out, kSOT);
   Put16(out, 10);
-  Put16(out, 0);                                          // tile index
+  Put16(out, 0);                                        // tile index
   Put32(out, static_cast<uint32_t>(14 + body_length));  // SOT + SOD + packets
-  Put8(out, 0);                                           // tile-part index
-  Put8(out, 1);                                           // tile-parts of the tile
+  Put8(out, 0);                                         // tile-part index
+  Put8(out, 1);                                         // tile-parts of the tile
   Put16(out, kSOD);
 }
 
@@ -358,7 +358,8 @@ bool ParseCodestream(const uint8_t* data, size_t size, Header* h, const uint8_t*
     end = std::min(end, size);  // a truncated stream keeps what it has
     for (;;) {
       const uint32_t marker = r.U16();
-      if (r.bad() || r.pos() > end) return Fail(error, "code-stream ends inside a tile-part header");
+      if (r.bad() || r.pos() > end)
+        return Fail(error, "code-stream ends inside a tile-part header");
       if (marker == kSOD) break;
       if ((marker >> 8) != 0xFF) return Fail(error, "corrupt tile-part header (marker expected)");
       const size_t len = r.U16();
@@ -388,7 +389,8 @@ bool ParseCodestream(const uint8_t* data, size_t size, Header* h, const uint8_t*
     *tile_size = parts[0].second;
   } else {
     storage->clear();
-    for (const auto& [off, len] : parts) storage->insert(storage->end(), data + off, data + off + len);
+    for (const auto& [off, len] : parts)
+      storage->insert(storage->end(), data + off, data + off + len);
     *tile_data = storage->data();
     *tile_size = storage->size();
   }

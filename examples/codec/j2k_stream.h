@@ -44,7 +44,7 @@ struct ComponentStyle {
 struct ComponentQuant {
   int style = 0;  // 0 none, 1 scalar derived, 2 scalar expounded
   int guard_bits = 2;
-  int count = 0;                 // entries present
+  int count = 0;                   // entries present
   uint16_t value[kMaxBands] = {};  // exponent << 11 | mantissa (style 0: exponent only)
 };
 
@@ -56,8 +56,8 @@ struct Component {
 
 // Everything the tile decoder needs from the headers of a single-tile code-stream.
 struct Header {
-  uint32_t x0 = 0, y0 = 0, x1 = 0, y1 = 0;     // image area on the reference grid
-  uint32_t tx0 = 0, ty0 = 0, tw = 0, th = 0;   // tile grid
+  uint32_t x0 = 0, y0 = 0, x1 = 0, y1 = 0;    // image area on the reference grid
+  uint32_t tx0 = 0, ty0 = 0, tw = 0, th = 0;  // tile grid
   std::vector<Component> comps;
   int progression = kLRCP;
   int layers = 1;

@@ -45,9 +45,8 @@ class PacketReader {
   // Reads the packet of precinct p (of the given resolution and component) at one
   // layer from data. On kOk, *consumed is its length. On kTruncated the stream ended
   // inside the packet and nothing of it was kept.
-  PacketStatus Read(Precinct* p, const Resolution& res, int cb_style, int layer, bool sop,
-                    bool eph, const uint8_t* data, size_t size, size_t* consumed,
-                    std::string* error);
+  PacketStatus Read(Precinct* p, const Resolution& res, int cb_style, int layer, bool sop, bool eph,
+                    const uint8_t* data, size_t size, size_t* consumed, std::string* error);
   const std::vector<Chunk>& chunks() const { return chunks_; }
   void Clear() { chunks_.clear(); }
 

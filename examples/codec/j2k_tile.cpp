@@ -27,8 +27,8 @@ bool Fail(std::string* error, const std::string& what) {
 // Magnitude bit-planes and step size of a sub-band from the quantisation parameters
 // (T.800 E.1): delta = 2^(R - eps) (1 + mu / 2^11), Mb = G + eps - 1, with the nominal
 // range R the sample precision plus the sub-band's gain bits, for both filters.
-bool SetQuantisation(const ComponentQuant& q, const ComponentStyle& s, int precision, int band_index,
-                     Band* b, std::string* error) {
+bool SetQuantisation(const ComponentQuant& q, const ComponentStyle& s, int precision,
+                     int band_index, Band* b, std::string* error) {
   int eps, mu;
   if (q.style == 1) {
     eps = (q.value[0] >> 11) - s.levels + b->level;
@@ -186,7 +186,8 @@ bool PacketOrder(const Tile& tile, int layers, int progression, std::vector<Pack
                  std::string* error) {
   int64_t total = 0;
   for (const TileComponent& tc : tile.comps)
-    for (const Resolution& res : tc.res) total += static_cast<int64_t>(res.precincts.size()) * layers;
+    for (const Resolution& res : tc.res)
+      total += static_cast<int64_t>(res.precincts.size()) * layers;
   if (total > kMaxPackets) return Fail(error, "too many packets");
 
   // Every packet gets a sort key from its progression's loop nest; precincts of one
@@ -206,18 +207,29 @@ bool PacketOrder(const Tile& tile, int layers, int progression, std::vector<Pack
         for (int l = 0; l < layers; ++l) {
           std::array<int64_t, 5> k;
           switch (progression) {
-            case kRLCP: k = {r, l, c, p, 0}; break;
-            case kRPCL: k = {r, y, x, c, l}; break;
-            case kPCRL: k = {y, x, c, r, l}; break;
-            case kCPRL: k = {c, y, x, r, l}; break;
-            default: k = {l, r, c, p, 0}; break;
+            case kRLCP:
+              k = {r, l, c, p, 0};
+              break;
+            case kRPCL:
+              k = {r, y, x, c, l};
+              break;
+            case kPCRL:
+              k = {y, x, c, r, l};
+              break;
+            case kCPRL:
+              k = {c, y, x, r, l};
+              break;
+            default:
+              k = {l, r, c, p, 0};
+              break;
           }
           keyed.push_back({k, PacketId{l, r, c, p}});
         }
       }
     }
   }
-  std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
+  std::sort(keyed.begin(), keyed.end(),
+            [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
   order->resize(keyed.size());
   for (size_t i = 0; i < keyed.size(); ++i) (*order)[i] = keyed[i].id;
   return true;

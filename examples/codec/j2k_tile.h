@@ -63,11 +63,11 @@ struct Precinct {
 
 struct Band {
   int orient = kLL;
-  int level = 0;              // decomposition level nb
-  int64_t x0, y0, x1, y1;     // sub-band coordinates
-  int buf_x = 0, buf_y = 0;   // where the band sits in the component's coefficient layout
-  int mb = 0;                 // magnitude bit-planes, guard bits included
-  double step = 1.0;          // quantisation step (irreversible)
+  int level = 0;             // decomposition level nb
+  int64_t x0, y0, x1, y1;    // sub-band coordinates
+  int buf_x = 0, buf_y = 0;  // where the band sits in the component's coefficient layout
+  int mb = 0;                // magnitude bit-planes, guard bits included
+  double step = 1.0;         // quantisation step (irreversible)
   int cbw_log2 = 6, cbh_log2 = 6;
 
   int width() const { return static_cast<int>(x1 - x0); }
@@ -123,6 +123,12 @@ bool PacketOrder(const Tile& tile, int layers, int progression, std::vector<Pack
 // Bits of the nominal dynamic range gain of a sub-band (T.800 table E.1), added to the
 // sample precision to give the sub-band's nominal range.
 inline int OrientationGainBits(int orient) { return (orient & 1) + (orient >> 1); }
+
+// The code-block coder's sub-band code of an orientation (it numbers LH before HL).
+inline int CoderSubband(int orient) {
+  constexpr int kCodes[4] = {0, 2, 1, 3};
+  return kCodes[orient];
+}
 
 }  // namespace krojcodec::j2k
 

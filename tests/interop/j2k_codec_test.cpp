@@ -3,11 +3,11 @@
 // original pixels, lossy files either way decode alike and our rate control keeps up
 // with OpenJPEG's at equal size, OpenJPEG's optional coding features decode here, and
 // corrupt input ends in an error, never a crash.
-#include <gtest/gtest.h>
 #include <math.h>
 #include <string.h>
 
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
@@ -57,7 +57,9 @@ double Psnr(const Image& a, const Image& b) {
   return se == 0 ? 99.0 : 10 * log10(255.0 * 255.0 * a.pixels.size() / se);
 }
 
-double Bpp(size_t bytes, const Image& img) { return 8.0 * bytes / (static_cast<double>(img.width) * img.height); }
+double Bpp(size_t bytes, const Image& img) {
+  return 8.0 * bytes / (static_cast<double>(img.width) * img.height);
+}
 
 // ---- OpenJPEG through its library API, with in-memory streams ----
 
@@ -136,16 +138,16 @@ bool OpjDecode(const std::vector<uint8_t>& file, Image* img, int layers = 0) {
 }
 
 struct OpjOptions {
-  double ratio = 0;    // compression ratio (-r), 0 lossless
-  double psnr = 0;     // fixed quality (-q) instead of a ratio
+  double ratio = 0;  // compression ratio (-r), 0 lossless
+  double psnr = 0;   // fixed quality (-q) instead of a ratio
   std::vector<double> layer_ratios;
-  int mode = 0;        // code-block style bits
+  int mode = 0;  // code-block style bits
   OPJ_PROG_ORDER order = OPJ_LRCP;
-  int csty = 0;        // 1 precincts, 2 SOP, 4 EPH
+  int csty = 0;  // 1 precincts, 2 SOP, 4 EPH
   int cblk_w = 64, cblk_h = 64;
   int resolutions = 6;
   int offset_x = 0, offset_y = 0;
-  int tile = 0;        // tile size, 0 for one tile
+  int tile = 0;  // tile size, 0 for one tile
   bool tile_parts = false;
 };
 
@@ -159,7 +161,8 @@ std::vector<uint8_t> OpjEncode(const Image& img, const OpjOptions& o) {
     p.cp_fixed_quality = 1;
   } else if (!o.layer_ratios.empty()) {
     p.tcp_numlayers = static_cast<int>(o.layer_ratios.size());
-    for (size_t i = 0; i < o.layer_ratios.size(); ++i) p.tcp_rates[i] = static_cast<float>(o.layer_ratios[i]);
+    for (size_t i = 0; i < o.layer_ratios.size(); ++i)
+      p.tcp_rates[i] = static_cast<float>(o.layer_ratios[i]);
     p.cp_disto_alloc = 1;
   } else {
     p.tcp_rates[0] = static_cast<float>(o.ratio);
@@ -196,7 +199,8 @@ std::vector<uint8_t> OpjEncode(const Image& img, const OpjOptions& o) {
     cp[c].y0 = static_cast<OPJ_UINT32>(o.offset_y);
     cp[c].prec = 8;
   }
-  opj_image_t* image = opj_image_create(static_cast<OPJ_UINT32>(nc), cp, nc == 3 ? OPJ_CLRSPC_SRGB : OPJ_CLRSPC_GRAY);
+  opj_image_t* image = opj_image_create(static_cast<OPJ_UINT32>(nc), cp,
+                                        nc == 3 ? OPJ_CLRSPC_SRGB : OPJ_CLRSPC_GRAY);
   image->x0 = static_cast<OPJ_UINT32>(o.offset_x);
   image->y0 = static_cast<OPJ_UINT32>(o.offset_y);
   image->x1 = image->x0 + static_cast<OPJ_UINT32>(img.width);
@@ -276,7 +280,8 @@ TEST(J2kCodec, LosslessVariantsDecodeExactly) {
       {Crop(camera, 1, 1, 3, 200), 7, 1, true},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.img.width << "x" << c.img.height << " levels " << c.levels);
+    SCOPED_TRACE(testing::Message()
+                 << c.img.width << "x" << c.img.height << " levels " << c.levels);
     J2kEncodeOptions o;
     o.levels = c.levels;
     o.layers = c.layers;
@@ -308,13 +313,34 @@ TEST(J2kCodec, OpenJpegOptionsDecodeExactly) {
   add("terminate all, causal", [](OpjOptions& o) { o.mode = 4 | 8; });
   add("reset, predictable, segmentation", [](OpjOptions& o) { o.mode = 2 | 16 | 32; });
   add("RLCP", [](OpjOptions& o) { o.order = OPJ_RLCP; });
-  add("RPCL precincts", [](OpjOptions& o) { o.order = OPJ_RPCL; o.csty = 1; });
-  add("PCRL precincts", [](OpjOptions& o) { o.order = OPJ_PCRL; o.csty = 1; });
-  add("CPRL SOP EPH", [](OpjOptions& o) { o.order = OPJ_CPRL; o.csty = 6; });
+  add("RPCL precincts", [](OpjOptions& o) {
+    o.order = OPJ_RPCL;
+    o.csty = 1;
+  });
+  add("PCRL precincts", [](OpjOptions& o) {
+    o.order = OPJ_PCRL;
+    o.csty = 1;
+  });
+  add("CPRL SOP EPH", [](OpjOptions& o) {
+    o.order = OPJ_CPRL;
+    o.csty = 6;
+  });
   add("tile-parts", [](OpjOptions& o) { o.tile_parts = true; });
-  add("32x16 blocks", [](OpjOptions& o) { o.cblk_w = 32; o.cblk_h = 16; });
-  add("odd origin", [](OpjOptions& o) { o.offset_x = 5; o.offset_y = 3; o.resolutions = 4; });
-  add("odd origin precincts", [](OpjOptions& o) { o.offset_x = 1; o.offset_y = 6; o.csty = 1; o.order = OPJ_PCRL; });
+  add("32x16 blocks", [](OpjOptions& o) {
+    o.cblk_w = 32;
+    o.cblk_h = 16;
+  });
+  add("odd origin", [](OpjOptions& o) {
+    o.offset_x = 5;
+    o.offset_y = 3;
+    o.resolutions = 4;
+  });
+  add("odd origin precincts", [](OpjOptions& o) {
+    o.offset_x = 1;
+    o.offset_y = 6;
+    o.csty = 1;
+    o.order = OPJ_PCRL;
+  });
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     const std::vector<uint8_t> file = OpjEncode(img, c.o);
@@ -355,8 +381,9 @@ TEST(J2kCodec, LossyRateDistortionMatchesOpenJpeg) {
     const double psnr_ours = Psnr(img, opj_of_ours);
     EXPECT_GT(psnr_ours, psnr_theirs - 0.3);
     EXPECT_NEAR(Psnr(img, Decode(ours)), psnr_ours, 0.05);
-    printf("  %-14s %.3f bpp: ours %.2f dB, OpenJPEG %.2f dB; OpenJPEG's file decoded here %.2f dB\n",
-           c.name, bpp, psnr_ours, psnr_theirs, psnr_ours_of_theirs);
+    printf(
+        "  %-14s %.3f bpp: ours %.2f dB, OpenJPEG %.2f dB; OpenJPEG's file decoded here %.2f dB\n",
+        c.name, bpp, psnr_ours, psnr_theirs, psnr_ours_of_theirs);
   }
 }
 
@@ -447,8 +474,8 @@ TEST(J2kCodec, CorruptInputNeverCrashes) {
   styled.mode = 63;
   styled.csty = 7;
   styled.order = OPJ_RPCL;
-  const std::vector<std::vector<uint8_t>> files = {Encode(img, J2kEncodeOptions{}),
-                                                   Encode(img, Lossy(1.0, 3)), OpjEncode(img, styled)};
+  const std::vector<std::vector<uint8_t>> files = {
+      Encode(img, J2kEncodeOptions{}), Encode(img, Lossy(1.0, 3)), OpjEncode(img, styled)};
   kro_test::Rng rng(2024);
   for (const std::vector<uint8_t>& file : files) {
     for (size_t len = 0; len < file.size(); len += 1 + len / 16) {
@@ -459,7 +486,8 @@ TEST(J2kCodec, CorruptInputNeverCrashes) {
     for (int trial = 0; trial < 400; ++trial) {
       std::vector<uint8_t> bad = file;
       const size_t at = static_cast<size_t>(rng.Int(0, static_cast<int64_t>(bad.size()) - 1));
-      bad[at] = static_cast<uint8_t>(trial < 200 ? bad[at] ^ (1 << rng.Int(0, 7)) : rng.Int(0, 255));
+      bad[at] =
+          static_cast<uint8_t>(trial < 200 ? bad[at] ^ (1 << rng.Int(0, 7)) : rng.Int(0, 255));
       Image out;
       std::string error;
       if (!DecodeJ2k(bad.data(), bad.size(), &out, &error)) {
