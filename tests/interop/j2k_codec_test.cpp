@@ -149,6 +149,7 @@ struct OpjOptions {
   int offset_x = 0, offset_y = 0;
   int tile = 0;  // tile size, 0 for one tile
   bool tile_parts = false;
+  bool jp2 = false;
 };
 
 std::vector<uint8_t> OpjEncode(const Image& img, const OpjOptions& o) {
@@ -209,7 +210,7 @@ std::vector<uint8_t> OpjEncode(const Image& img, const OpjOptions& o) {
   std::vector<uint8_t> out;
   MemStream m;
   m.out = &out;
-  opj_codec_t* codec = opj_create_compress(OPJ_CODEC_J2K);
+  opj_codec_t* codec = opj_create_compress(o.jp2 ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K);
   opj_stream_t* s = OpenStream(&m, false);
   const bool ok = opj_setup_encoder(codec, &p, image) && opj_start_compress(codec, image, s) &&
                   opj_encode(codec, s) && opj_end_compress(codec, s);
@@ -326,6 +327,7 @@ TEST(J2kCodec, OpenJpegOptionsDecodeExactly) {
     o.csty = 6;
   });
   add("tile-parts", [](OpjOptions& o) { o.tile_parts = true; });
+  add("JP2 file", [](OpjOptions& o) { o.jp2 = true; });
   add("32x16 blocks", [](OpjOptions& o) {
     o.cblk_w = 32;
     o.cblk_h = 16;
