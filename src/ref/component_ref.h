@@ -55,13 +55,15 @@ struct RctInv {
 // 8192 before the arithmetic shift. The 32-bit forms wrap on overflow.
 constexpr int32_t kIctRound = 8192;  // 0.5 * 2^14
 constexpr int32_t FixDot3(int32_t c0, int32_t a, int32_t c1, int32_t b, int32_t c2, int32_t c) {
-  return Sra(AddWrap32(AddWrap32(AddWrap32(MulWrap32(c0, a), MulWrap32(c1, b)), MulWrap32(c2, c)), kIctRound), 14);
+  return Sra(AddWrap32(AddWrap32(AddWrap32(MulWrap32(c0, a), MulWrap32(c1, b)), MulWrap32(c2, c)),
+                       kIctRound),
+             14);
 }
 
 struct IctFwdFixed {
-  static constexpr int32_t kYR = 4899, kYG = 9617, kYB = 1868;      // 0.299, 0.587, 0.114
-  static constexpr int32_t kUR = -2765, kUG = -5427, kUB = 8192;    // -0.16875, -0.33126, 0.5
-  static constexpr int32_t kVR = 8192, kVG = -6860, kVB = -1332;    // 0.5, -0.41869, -0.08131
+  static constexpr int32_t kYR = 4899, kYG = 9617, kYB = 1868;    // 0.299, 0.587, 0.114
+  static constexpr int32_t kUR = -2765, kUG = -5427, kUB = 8192;  // -0.16875, -0.33126, 0.5
+  static constexpr int32_t kVR = 8192, kVG = -6860, kVB = -1332;  // 0.5, -0.41869, -0.08131
   template <class T>
   static void Apply(const T in[3], T out[3]) {
     const int32_t r = in[0], g = in[1], b = in[2];
@@ -73,9 +75,9 @@ struct IctFwdFixed {
 
 // The inverse rounds each correction term separately and adds Y afterwards.
 struct IctInvFixed {
-  static constexpr int32_t kRV = 22970;                  // 1.402 * 2^14
-  static constexpr int32_t kGU = -5638, kGV = -11700;    // -0.34413, -0.71414
-  static constexpr int32_t kBU = 29032;                  // 1.772 * 2^14
+  static constexpr int32_t kRV = 22970;                // 1.402 * 2^14
+  static constexpr int32_t kGU = -5638, kGV = -11700;  // -0.34413, -0.71414
+  static constexpr int32_t kBU = 29032;                // 1.772 * 2^14
   template <class T>
   static void Apply(const T in[3], T out[3]) {
     const int32_t y = in[0], u = in[1], v = in[2];
@@ -111,8 +113,8 @@ struct IctInvFloat {
 // samples (with src[c] = base + c). All three inputs of a pixel are read before any
 // output is written, so dst may equal src (the in-place planar forms).
 template <class Op, class T>
-inline void Component3Row(const T* const src[3], ptrdiff_t src_stride, T* const dst[3], ptrdiff_t dst_stride,
-                          int width) {
+inline void Component3Row(const T* const src[3], ptrdiff_t src_stride, T* const dst[3],
+                          ptrdiff_t dst_stride, int width) {
   for (int x = 0; x < width; ++x) {
     const ptrdiff_t si = x * src_stride, di = x * dst_stride;
     const T in[3] = {LoadPx(src[0] + si), LoadPx(src[1] + si), LoadPx(src[2] + si)};
