@@ -381,7 +381,6 @@ bool Encoder::AllocateLayers(size_t budget, std::string* error) {
       TightenFinalCuts();
       rate_.Fill(target, &cut, measure);  // spend what the shorter cuts freed
       SetLayer(cut, l);
-      TightenFinalCuts();
     }
     floor_cut = cut;
   }
