@@ -15,12 +15,16 @@
 
 namespace krojcodec {
 
+// One tile, LRCP progression, 64x64 code-blocks, precincts of the maximum size.
 struct J2kEncodeOptions {
-  bool lossless = true;         // RCT + 5/3, else ICT + 9/7 with scalar quantisation
-  int levels = 5;               // decomposition levels
-  double bits_per_pixel = 0.0;  // target rate for lossy coding; 0 keeps every pass
-  int layers = 1;               // quality layers (rates spread up to bits_per_pixel)
-  bool jp2 = false;             // wrap the code-stream in a JP2 file
+  bool lossless = true;  // RCT + 5/3, else ICT + 9/7 with scalar quantisation
+  int levels = 5;        // decomposition levels (fewer for images too small for them)
+  // Size of the whole output (headers and JP2 boxes included) in bits per pixel; the
+  // rate control keeps at or below it. 0 keeps every coding pass, which with the 5/3
+  // path is lossless. A target with the 5/3 path gives reversibly coded lossy files.
+  double bits_per_pixel = 0.0;
+  int layers = 1;    // quality layers, their sizes doubling up to the target (1 to 64)
+  bool jp2 = false;  // wrap the code-stream in a JP2 file
   // Truncated code-blocks end at the shortest prefix that decodes alike, found by
   // decoding (about 1% more bytes for quality, for some encoding time).
   bool exact_truncation = true;
