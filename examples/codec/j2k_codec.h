@@ -23,7 +23,7 @@ struct J2kEncodeOptions {
   // rate control keeps at or below it. 0 keeps every coding pass, which with the 5/3
   // path is lossless. A target with the 5/3 path gives reversibly coded lossy files.
   double bits_per_pixel = 0.0;
-  int layers = 1;    // quality layers, their sizes doubling up to the target (1 to 64)
+  int layers = 1;    // quality layers (1 to 64), sizes growing geometrically to the target
   bool jp2 = false;  // wrap the code-stream in a JP2 file
   // Truncated code-blocks end at the shortest prefix that decodes alike, found by
   // decoding (about 1% more bytes for quality, for some encoding time).
