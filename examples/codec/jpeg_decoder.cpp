@@ -3,8 +3,8 @@
 //   1. Parsing and entropy decoding: markers are read here; every scan is decoded block
 //      by block (kroiDecodeHuffman8x8_* for sequential and progressive scans) into the
 //      frame's coefficient arrays, which progressive scans refine in place.
-//   2. Reconstruction: dequantisation + inverse DCT + level shift per block
-//      (kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R) into component planes, triangle
+//   2. Reconstruction, one strip of MCU rows at a time: dequantisation + inverse DCT
+//      + level shift per block (kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R), triangle
 //      up-sampling (kroiSampleUpH2V1/H2V2_JPEG_8u_C1R) and colour conversion
 //      (kroiYCbCrToRGB_JPEG_8u_P3C3R); or, for speed, whole MCUs through
 //      kroiDCTQuantInv8x8_JPEG_16s_C1 and kroiYCbCr4xxToRGBLS_MCU_16s8u_P3C3R.
@@ -407,67 +407,93 @@ bool Fail(std::string* error, const std::string& message) {
   return false;
 }
 
-// Dequantisation, inverse DCT, +128 and clamping of every block of a component into a
-// width x height plane (kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R). Blocks crossing the
-// plane's edge go through a scratch block.
-void InverseTransformPlane(const JpegComponent& c, const Kro16u* table, uint8_t* dst, int step, int width,
-                           int height) {
+// Dequantisation, inverse DCT, +128 and clamping (kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R)
+// of the blocks that cover sample rows y0 .. y0 + rows - 1 of a component (y0 a
+// multiple of 8), width samples wide, into dst (the place of row y0). Blocks crossing
+// the right or bottom edge go through a scratch block.
+void InverseTransformRows(const JpegComponent& c, const Kro16u* table, int y0, int rows, int width, uint8_t* dst,
+                          int step) {
   alignas(32) uint8_t edge[64];
-  for (int by = 0; by < (height + 7) / 8; ++by) {
-    for (int bx = 0; bx < (width + 7) / 8; ++bx) {
-      const int x0 = 8 * bx, y0 = 8 * by;
-      uint8_t* out = dst + static_cast<size_t>(y0) * step + x0;
-      if (x0 + 8 <= width && y0 + 8 <= height) {
-        kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(c.block(bx, by), out, step, table);
+  for (int r0 = 0; r0 < rows; r0 += 8) {
+    const int by = (y0 + r0) / 8, h = std::min(8, rows - r0);
+    for (int x0 = 0; x0 < width; x0 += 8) {
+      uint8_t* out = dst + static_cast<size_t>(r0) * step + x0;
+      const Kro16s* block = c.block(x0 / 8, by);
+      if (x0 + 8 <= width && h == 8) {
+        kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(block, out, step, table);
         continue;
       }
-      kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(c.block(bx, by), edge, 8, table);
-      const int w = std::min(8, width - x0), h = std::min(8, height - y0);
+      kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(block, edge, 8, table);
+      const int w = std::min(8, width - x0);
       for (int r = 0; r < h; ++r) memcpy(out + static_cast<size_t>(r) * step, edge + 8 * r, w);
     }
   }
 }
 
-// A component plane enlarged to width x height by the triangle filters. The plane
-// functions read one sample around the source region, so the component is first
-// decoded into a plane with a border of repeated edge samples.
-void UpsamplePlane(const JpegCoefficients& f, const JpegComponent& c, uint8_t* dst, int step) {
-  const int cw = ComponentWidth(f, c), ch = ComponentHeight(f, c), bstep = cw + 2;
-  std::vector<uint8_t> bordered(static_cast<size_t>(bstep) * (ch + 2));
-  uint8_t* inner = bordered.data() + bstep + 1;
-  InverseTransformPlane(c, f.quant[c.quant_table], inner, bstep, cw, ch);
-  for (int y = 0; y < ch; ++y) {
-    inner[static_cast<size_t>(y) * bstep - 1] = inner[static_cast<size_t>(y) * bstep];
-    inner[static_cast<size_t>(y) * bstep + cw] = inner[static_cast<size_t>(y) * bstep + cw - 1];
+// A sub-sampled component decoded whole, with the border of repeated edge samples that
+// the plane up-samplers read one sample around their source region.
+struct BorderedPlane {
+  int width = 0, height = 0, step = 0;
+  std::vector<uint8_t> samples;
+  const uint8_t* row(int y) const { return samples.data() + static_cast<size_t>(y + 1) * step + 1; }
+};
+
+BorderedPlane DecodeBordered(const JpegCoefficients& f, const JpegComponent& c) {
+  BorderedPlane p;
+  p.width = ComponentWidth(f, c);
+  p.height = ComponentHeight(f, c);
+  p.step = p.width + 2;
+  p.samples.resize(static_cast<size_t>(p.step) * (p.height + 2));
+  uint8_t* inner = p.samples.data() + p.step + 1;
+  InverseTransformRows(c, f.quant[c.quant_table], 0, p.height, p.width, inner, p.step);
+  for (int y = 0; y < p.height; ++y) {
+    uint8_t* row = inner + static_cast<size_t>(y) * p.step;
+    row[-1] = row[0];
+    row[p.width] = row[p.width - 1];
   }
-  memcpy(bordered.data(), bordered.data() + bstep, bstep);
-  memcpy(bordered.data() + static_cast<size_t>(ch + 1) * bstep, bordered.data() + static_cast<size_t>(ch) * bstep,
-         bstep);
-  if (c.v == f.max_v)
-    kroiSampleUpH2V1_JPEG_8u_C1R(inner, bstep, {cw, ch}, dst, step, {f.width, f.height});
-  else
-    kroiSampleUpH2V2_JPEG_8u_C1R(inner, bstep, {cw, ch}, dst, step, {f.width, f.height});
+  memcpy(p.samples.data(), p.samples.data() + p.step, p.step);
+  memcpy(p.samples.data() + static_cast<size_t>(p.height + 1) * p.step,
+         p.samples.data() + static_cast<size_t>(p.height) * p.step, p.step);
+  return p;
 }
 
-// Smooth path: every component as a full-size plane, then one colour conversion
-// (kroiYCbCrToRGB_JPEG_8u_P3C3R, which wants the three planes at one row step).
-void ReconstructByPlanes(const JpegCoefficients& f, Image* img) {
-  const int w = f.width, h = f.height;
-  std::vector<uint8_t> planes(static_cast<size_t>(w) * h * 3);
-  Kro8u* plane[3];
+// Smooth path, one strip of MCU rows at a time so that the working rows stay in cache:
+// full-resolution components are inverse transformed into the strip, sub-sampled ones
+// are enlarged into it by the triangle filters (kroiSampleUpH2V1/H2V2_JPEG_8u_C1R, which
+// read their neighbour rows from the whole bordered plane), then one colour conversion
+// (kroiYCbCrToRGB_JPEG_8u_P3C3R, whose three planes share one row step) writes the
+// strip's pixels.
+void ReconstructByStrips(const JpegCoefficients& f, Image* img) {
+  const int w = f.width, strip_h = 8 * f.max_v;
+  BorderedPlane small[3];
+  bool full[3];
   for (int c = 0; c < 3; ++c) {
-    plane[c] = planes.data() + static_cast<size_t>(w) * h * c;
     const JpegComponent& comp = f.components[c];
-    if (comp.h == f.max_h && comp.v == f.max_v)
-      InverseTransformPlane(comp, f.quant[comp.quant_table], plane[c], w, w, h);
-    else
-      UpsamplePlane(f, comp, plane[c], w);
+    full[c] = comp.h == f.max_h && comp.v == f.max_v;
+    if (!full[c]) small[c] = DecodeBordered(f, comp);
   }
+  std::vector<uint8_t> strip(static_cast<size_t>(w) * strip_h * 3);
+  Kro8u* plane[3];
+  for (int c = 0; c < 3; ++c) plane[c] = strip.data() + static_cast<size_t>(w) * strip_h * c;
   const int step = static_cast<int>(img->row_bytes());
-  if (f.ycbcr) {
-    kroiYCbCrToRGB_JPEG_8u_P3C3R(plane, w, img->pixels.data(), step, {w, h});
-  } else {
-    for (int c = 0; c < 3; ++c) kroiCopy_8u_C1C3R(plane[c], w, img->pixels.data() + c, step, {w, h});
+  for (int y0 = 0; y0 < f.height; y0 += strip_h) {
+    const int rows = std::min(strip_h, f.height - y0);
+    for (int c = 0; c < 3; ++c) {
+      const JpegComponent& comp = f.components[c];
+      if (full[c]) {
+        InverseTransformRows(comp, f.quant[comp.quant_table], y0, rows, w, plane[c], w);
+      } else if (comp.v == f.max_v) {
+        kroiSampleUpH2V1_JPEG_8u_C1R(small[c].row(y0), small[c].step, {small[c].width, rows}, plane[c], w, {w, rows});
+      } else {
+        kroiSampleUpH2V2_JPEG_8u_C1R(small[c].row(y0 / 2), small[c].step, {small[c].width, (rows + 1) / 2}, plane[c],
+                                     w, {w, rows});
+      }
+    }
+    if (f.ycbcr) {
+      kroiYCbCrToRGB_JPEG_8u_P3C3R(plane, w, img->row(y0), step, {w, rows});
+    } else {
+      for (int c = 0; c < 3; ++c) kroiCopy_8u_C1C3R(plane[c], w, img->row(y0) + c, step, {w, rows});
+    }
   }
 }
 
@@ -550,11 +576,11 @@ bool Reconstruct(const JpegParser& parser, const JpegDecodeOptions& options, Ima
   }
   if (n == 1) {
     const JpegComponent& c = f.components[0];
-    InverseTransformPlane(c, f.quant[c.quant_table], img->pixels.data(), f.width, f.width, f.height);
+    InverseTransformRows(c, f.quant[c.quant_table], 0, f.height, f.width, img->pixels.data(), f.width);
   } else if (options.fast_upsampling && McuPathFits(f)) {
     ReconstructByMcu(f, img);
   } else {
-    ReconstructByPlanes(f, img);
+    ReconstructByStrips(f, img);
   }
   return true;
 }
