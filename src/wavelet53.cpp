@@ -1,42 +1,59 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The reversible 5/3 wavelet transform (T.800 F.3.8, F.4.8) in 16s and 32s: buffer
 // sizes, one 2D level in place and out of place, the row and column region forms and
-// the streaming column step.
-#include "wavelet_impl.h"
+// the streaming column step. The kernels are compiled per SIMD target and chosen at
+// each call.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "wavelet53.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
 
+#include "simd/wavelet-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace kro {
+namespace HWY_NAMESPACE {
+
+#if HWY_TARGET != HWY_SCALAR
+template <class T>
+void Fwd53Level(T* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd2D<T, Fwd53Ref<T>>(kFwd53<T>, img, step, r, buf);
+}
+template <class T>
+void Inv53Level(T* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv2D<T, Inv53Ref<T>>(kInv53<T>, img, step, r, buf);
+}
+#else
+template <class T>
+void Fwd53Level(T* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd2DInPlace<T, Fwd53Ref<T>>(img, step, r, buf);
+}
+template <class T>
+void Inv53Level(T* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv2DInPlace<T, Inv53Ref<T>>(img, step, r, buf);
+}
+#endif
+
+// One 2D level in place, per sample type and direction.
+void Fwd53Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) { Fwd53Level(img, step, r, buf); }
+void Fwd53Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) { Fwd53Level(img, step, r, buf); }
+void Inv53Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) { Inv53Level(img, step, r, buf); }
+void Inv53Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) { Inv53Level(img, step, r, buf); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace kro {
+
+HWY_EXPORT(Fwd53Level16s);
+HWY_EXPORT(Fwd53Level32s);
+HWY_EXPORT(Inv53Level16s);
+HWY_EXPORT(Inv53Level32s);
+
 namespace {
-
-template <class T>
-struct Fwd53 {
-  template <class Line>
-  static void Run(const Line& line, int n, int p, uint8_t* buf) {
-    Fwd53Pass<T>(line, n, p, buf);
-  }
-  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
-    Fwd53Vertical<T>(img, step, w, n, p, buf);
-  }
-};
-template <class T>
-struct Inv53 {
-  template <class Line>
-  static void Run(const Line& line, int n, int p, uint8_t* buf) {
-    Inv53Pass<T>(line, n, p, buf);
-  }
-  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
-    Inv53Vertical<T>(img, step, w, n, p, buf);
-  }
-};
-
-template <class T>
-void Fwd53InPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
-  Fwd2DInPlace<T, Fwd53<T>>(img, step, r, buf);
-}
-template <class T>
-void Inv53InPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
-  Inv2DInPlace<T, Inv53<T>>(img, step, r, buf);
-}
-
 template <class T>
 struct Region53 {
   template <int N>
@@ -80,8 +97,6 @@ KroStatus InvColLift53(const T* pSrcLow, const T* pSrcHighPrev, const T* pSrcHig
 }  // namespace
 }  // namespace kro
 
-using kro::Fwd53InPlace;
-using kro::Inv53InPlace;
 using kro::Region53;
 
 KRO_EXPORT KroStatus kroiWTFwdColLift_B53_JPEG2K_16s_C1(const Kro16s* pSrc0, const Kro16s* pSrc1,
@@ -130,20 +145,20 @@ KRO_EXPORT KroStatus kroiWTFwdRow_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int src
 }
 KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
                                                    Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro16s, Fwd53InPlace<Kro16s>>(pSrcDst, srcDstStep, pTileRect, pBuffer);
+  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level16s), pSrcDst, srcDstStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstBand[4],
                                                   int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro16s, Fwd53InPlace<Kro16s>>(pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
+  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level16s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
                                                    Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro32s, Fwd53InPlace<Kro32s>>(pSrcDst, srcDstStep, pTileRect, pBuffer);
+  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level32s), pSrcDst, srcDstStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstBand[4],
                                                   int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro32s, Fwd53InPlace<Kro32s>>(pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
+  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level32s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTGetBufSize_B53_JPEG2K_16s_C1IR(const KroiRect* pTileRect, int* pSize) {
@@ -204,19 +219,20 @@ KRO_EXPORT KroStatus kroiWTInvRow_B53_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int 
 }
 KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
                                                    Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro16s, Inv53InPlace<Kro16s>>(pSrcDst, srcDstStep, pTileRect, pBuffer);
+  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level16s), pSrcDst, srcDstStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4], Kro16s* pDst,
                                                   int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro16s, Inv53InPlace<Kro16s>>(pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
+  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level16s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
                                                    Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro32s, Inv53InPlace<Kro32s>>(pSrcDst, srcDstStep, pTileRect, pBuffer);
+  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level32s), pSrcDst, srcDstStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4], Kro32s* pDst,
                                                   int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro32s, Inv53InPlace<Kro32s>>(pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
+  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level32s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
                                                             pBuffer);
 }
+#endif  // HWY_ONCE

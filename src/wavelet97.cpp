@@ -3,60 +3,62 @@
 // coefficients): 16s in 2^-14 fixed point, 32s through single precision with
 // saturating truncation, 32f in single precision; buffer sizes, one 2D level in place
 // and out of place (16s, 32s), the row and column region forms and the streaming
-// column steps (2^-16 fixed point for 16s and 32s).
-#include "wavelet_impl.h"
+// column steps (2^-16 fixed point for 16s and 32s). The kernels are compiled per
+// SIMD target and chosen at each call.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "wavelet97.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
 
+#include "simd/wavelet-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace kro {
+namespace HWY_NAMESPACE {
+
+// One 2D level in place, per sample type and direction.
+#if HWY_TARGET != HWY_SCALAR
+void Fwd97Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd2D<int16_t, Fwd97Ref<int16_t>>(kFwd97Q14, img, step, r, buf);
+}
+void Fwd97Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd2D<int32_t, Fwd97Ref<int32_t>>(kFwd97S, img, step, r, buf);
+}
+void Inv97Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv2D<int16_t, Inv97Ref<int16_t>>(kInv97Q14, img, step, r, buf);
+}
+void Inv97Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv2D<int32_t, Inv97Ref<int32_t>>(kInv97S, img, step, r, buf);
+}
+#else
+void Fwd97Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd2DInPlace<int16_t, Fwd97Ref<int16_t>>(img, step, r, buf);
+}
+void Fwd97Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd2DInPlace<int32_t, Fwd97Ref<int32_t>>(img, step, r, buf);
+}
+void Inv97Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv2DInPlace<int16_t, Inv97Ref<int16_t>>(img, step, r, buf);
+}
+void Inv97Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv2DInPlace<int32_t, Inv97Ref<int32_t>>(img, step, r, buf);
+}
+#endif
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace kro {
+
+HWY_EXPORT(Fwd97Level16s);
+HWY_EXPORT(Fwd97Level32s);
+HWY_EXPORT(Inv97Level16s);
+HWY_EXPORT(Inv97Level32s);
+
 namespace {
-
-// The arithmetic of each sample type.
-template <class T>
-struct D97Of;
-template <>
-struct D97Of<int16_t> {
-  using type = ref::D97Q14;
-};
-template <>
-struct D97Of<int32_t> {
-  using type = ref::D97Float32s;
-};
-template <>
-struct D97Of<float> {
-  using type = ref::D97Float;
-};
-template <class T>
-using D97 = typename D97Of<T>::type;
-
-template <class T>
-struct Fwd97 {
-  template <class Line>
-  static void Run(const Line& line, int n, int p, uint8_t* buf) {
-    Fwd97Pass<D97<T>>(line, n, p, buf);
-  }
-  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
-    Fwd97Vertical<D97<T>>(img, step, w, n, p, buf);
-  }
-};
-template <class T>
-struct Inv97 {
-  template <class Line>
-  static void Run(const Line& line, int n, int p, uint8_t* buf) {
-    Inv97Pass<D97<T>>(line, n, p, buf);
-  }
-  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
-    Inv97Vertical<D97<T>>(img, step, w, n, p, buf);
-  }
-};
-
-template <class T>
-void Fwd97InPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
-  Fwd2DInPlace<T, Fwd97<T>>(img, step, r, buf);
-}
-template <class T>
-void Inv97InPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
-  Inv2DInPlace<T, Inv97<T>>(img, step, r, buf);
-}
-
 template <class T>
 struct Region97 {
   template <int N>
@@ -119,8 +121,6 @@ KroStatus InvColLift97(const T* pSrcLow, const T* pSrcHighPrev, const T* pSrcHig
 }  // namespace
 }  // namespace kro
 
-using kro::Fwd97InPlace;
-using kro::Inv97InPlace;
 using kro::Region97;
 
 KRO_EXPORT KroStatus kroiWTFwdColLift_D97_JPEG2K_16s_C1(const Kro16s* pSrc0, const Kro16s* pSrc1,
@@ -179,20 +179,20 @@ KRO_EXPORT KroStatus kroiWTFwdRow_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int src
 }
 KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
                                                    Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro16s, Fwd97InPlace<Kro16s>>(pSrcDst, srcDstStep, pTileRect, pBuffer);
+  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level16s), pSrcDst, srcDstStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstBand[4],
                                                   int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro16s, Fwd97InPlace<Kro16s>>(pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
+  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level16s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
                                                    Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro32s, Fwd97InPlace<Kro32s>>(pSrcDst, srcDstStep, pTileRect, pBuffer);
+  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level32s), pSrcDst, srcDstStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstBand[4],
                                                   int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro32s, Fwd97InPlace<Kro32s>>(pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
+  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level32s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTGetBufSize_D97_JPEG2K_16s_C1IR(const KroiRect* pTileRect, int* pSize) {
@@ -267,19 +267,20 @@ KRO_EXPORT KroStatus kroiWTInvRow_D97_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int 
 }
 KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
                                                    Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro16s, Inv97InPlace<Kro16s>>(pSrcDst, srcDstStep, pTileRect, pBuffer);
+  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level16s), pSrcDst, srcDstStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4], Kro16s* pDst,
                                                   int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro16s, Inv97InPlace<Kro16s>>(pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
+  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level16s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
                                                    Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro32s, Inv97InPlace<Kro32s>>(pSrcDst, srcDstStep, pTileRect, pBuffer);
+  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level32s), pSrcDst, srcDstStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4], Kro32s* pDst,
                                                   int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro32s, Inv97InPlace<Kro32s>>(pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
+  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level32s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
                                                             pBuffer);
 }
+#endif  // HWY_ONCE

@@ -403,9 +403,75 @@ void Inv97Vertical(typename A::Sample* img, int step, int w, int n, int p, uint8
 }
 
 // ---------------------------------------------------------------------------------
-// 2D drivers. Pass::Run(line, n, p, buf) transforms one row through the line
-// buffer; Pass::Vertical(img, step, w, h, p, buf) all columns at once.
+// Reference 2D drivers. Pass::Run(line, n, p, buf) transforms one line through the
+// line buffer; Pass::Vertical(img, step, w, h, p, buf) all columns at once.
 // Forward: the vertical pass, then every row; inverse: rows, then the vertical pass.
+// kSplitMin is the shortest line that needs the line buffer (the SIMD forms lift
+// such lines in split form, shorter ones through Run).
+
+template <class T>
+struct Fwd53Ref {
+  static constexpr int kSplitMin = 3;
+  template <class Line>
+  static void Run(const Line& line, int n, int p, uint8_t* buf) {
+    Fwd53Pass<T>(line, n, p, buf);
+  }
+  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+    Fwd53Vertical<T>(img, step, w, n, p, buf);
+  }
+};
+template <class T>
+struct Inv53Ref {
+  static constexpr int kSplitMin = 3;
+  template <class Line>
+  static void Run(const Line& line, int n, int p, uint8_t* buf) {
+    Inv53Pass<T>(line, n, p, buf);
+  }
+  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+    Inv53Vertical<T>(img, step, w, n, p, buf);
+  }
+};
+
+// The 9/7 arithmetic of each sample type.
+template <class T>
+struct D97Of;
+template <>
+struct D97Of<int16_t> {
+  using type = ref::D97Q14;
+};
+template <>
+struct D97Of<int32_t> {
+  using type = ref::D97Float32s;
+};
+template <>
+struct D97Of<float> {
+  using type = ref::D97Float;
+};
+template <class T>
+using D97 = typename D97Of<T>::type;
+
+template <class T>
+struct Fwd97Ref {
+  static constexpr int kSplitMin = 2;
+  template <class Line>
+  static void Run(const Line& line, int n, int p, uint8_t* buf) {
+    Fwd97Pass<D97<T>>(line, n, p, buf);
+  }
+  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+    Fwd97Vertical<D97<T>>(img, step, w, n, p, buf);
+  }
+};
+template <class T>
+struct Inv97Ref {
+  static constexpr int kSplitMin = 2;
+  template <class Line>
+  static void Run(const Line& line, int n, int p, uint8_t* buf) {
+    Inv97Pass<D97<T>>(line, n, p, buf);
+  }
+  static void Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
+    Inv97Vertical<D97<T>>(img, step, w, n, p, buf);
+  }
+};
 
 template <class T, class Pass>
 void Rows(T* img, int step, int w, int h, int p, uint8_t* buf) {
@@ -425,13 +491,18 @@ void Inv2DInPlace(T* img, int step, const KroiRect& r, uint8_t* buf) {
   InvPass::Vertical(img, step, r.width, r.height, r.y & 1, buf);
 }
 
+// A one-level 2D transform in place (chosen per call among the SIMD targets).
+template <class T>
+using Transform2D = void (*)(T* img, int step, const KroiRect& r, uint8_t* buf);
+
 // Argument checks of the in-place forms, then the transform.
-template <class T, void (*kTransform)(T*, int, const KroiRect&, uint8_t*)>
-KroStatus InPlace2D(T* pSrcDst, int srcDstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
+template <class T>
+KroStatus InPlace2D(Transform2D<T> transform, T* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
+                    Kro8u* pBuffer) {
   if (pSrcDst == nullptr) return kroStatusNullPointer;
   if (BadStep(srcDstStep)) return kroStatusBadStep;
   if (AnyNull(pTileRect, pBuffer)) return kroStatusNullPointer;
-  kTransform(pSrcDst, srcDstStep, *pTileRect, pBuffer);
+  transform(pSrcDst, srcDstStep, *pTileRect, pBuffer);
   return kroStatusOk;
 }
 
@@ -479,8 +550,8 @@ KroStatus CheckOutOfPlace(const void* image, int image_step, B* const* band, con
   return kroStatusOk;
 }
 
-template <class T, void (*kTransform)(T*, int, const KroiRect&, uint8_t*)>
-KroStatus Fwd2DOutOfPlace(const T* pSrc, int srcStep, T* pDstBand[4], int dstBandStep[4], const KroiRect* pTileRect,
+template <class T>
+KroStatus Fwd2DOutOfPlace(Transform2D<T> transform, const T* pSrc, int srcStep, T* pDstBand[4], int dstBandStep[4], const KroiRect* pTileRect,
                           Kro8u* pBuffer) {
   const KroStatus st = CheckOutOfPlace<T>(pSrc, srcStep, pDstBand, dstBandStep, pTileRect, pBuffer);
   if (st != kroStatusOk) return st;
@@ -488,7 +559,7 @@ KroStatus Fwd2DOutOfPlace(const T* pSrc, int srcStep, T* pDstBand[4], int dstBan
   const int work_step = WorkStep<T>(r.width);
   T* work = reinterpret_cast<T*>(pBuffer);
   CopyRect(pSrc, srcStep, work, work_step, r.width, r.height);
-  kTransform(work, work_step, r, pBuffer + static_cast<ptrdiff_t>(work_step) * r.height);
+  transform(work, work_step, r, pBuffer + static_cast<ptrdiff_t>(work_step) * r.height);
   for (int b = 0; b < 4; ++b) {
     const Quadrant q = BandQuadrant(b, r.width, r.height);
     CopyRect(RowPtr(work, work_step, q.y) + q.x, work_step, pDstBand[b], dstBandStep[b], q.w, q.h);
@@ -496,8 +567,8 @@ KroStatus Fwd2DOutOfPlace(const T* pSrc, int srcStep, T* pDstBand[4], int dstBan
   return kroStatusOk;
 }
 
-template <class T, void (*kTransform)(T*, int, const KroiRect&, uint8_t*)>
-KroStatus Inv2DOutOfPlace(const T* pSrcBand[4], int srcBandStep[4], T* pDst, int dstStep, const KroiRect* pTileRect,
+template <class T>
+KroStatus Inv2DOutOfPlace(Transform2D<T> transform, const T* pSrcBand[4], int srcBandStep[4], T* pDst, int dstStep, const KroiRect* pTileRect,
                           Kro8u* pBuffer) {
   const KroStatus st = CheckOutOfPlace<const T>(pDst, dstStep, pSrcBand, srcBandStep, pTileRect, pBuffer);
   if (st != kroStatusOk) return st;
@@ -508,7 +579,7 @@ KroStatus Inv2DOutOfPlace(const T* pSrcBand[4], int srcBandStep[4], T* pDst, int
     const Quadrant q = BandQuadrant(b, r.width, r.height);
     CopyRect(pSrcBand[b], srcBandStep[b], RowPtr(work, work_step, q.y) + q.x, work_step, q.w, q.h);
   }
-  kTransform(work, work_step, r, pBuffer + static_cast<ptrdiff_t>(work_step) * r.height);
+  transform(work, work_step, r, pBuffer + static_cast<ptrdiff_t>(work_step) * r.height);
   CopyRect(work, work_step, pDst, dstStep, r.width, r.height);
   return kroStatusOk;
 }

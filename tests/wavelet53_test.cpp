@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kroj.h"
+#include "simd_test_util.h"
 #include "test_util.h"
 #include "wavelet_test_util.h"
 
@@ -355,6 +356,23 @@ TEST(Wavelet53, ColLiftMatchesVerticalPass) {
       CheckColLift<Kro16s>(5, H, p, H & 1, rng);
       CheckColLift<Kro32s>(3, H, p, !(H & 1), rng);
     }
+}
+
+// ---- Every SIMD target against the reference kernels ---------------------------------
+
+class Wavelet53Targets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(Wavelet53Targets);
+
+TEST_P(Wavelet53Targets, LevelsMatchTheReference) {
+  Rng rng(530);
+  CheckLevelAgainstReference<Kro16s>(kroiWTFwd_B53_JPEG2K_16s_C1IR, kroiWTGetBufSize_B53_JPEG2K_16s_C1IR,
+                                     kro::Fwd2DInPlace<Kro16s, kro::Fwd53Ref<Kro16s>>, rng);
+  CheckLevelAgainstReference<Kro16s>(kroiWTInv_B53_JPEG2K_16s_C1IR, kroiWTGetBufSize_B53_JPEG2K_16s_C1IR,
+                                     kro::Inv2DInPlace<Kro16s, kro::Inv53Ref<Kro16s>>, rng);
+  CheckLevelAgainstReference<Kro32s>(kroiWTFwd_B53_JPEG2K_32s_C1IR, kroiWTGetBufSize_B53_JPEG2K_32s_C1IR,
+                                     kro::Fwd2DInPlace<Kro32s, kro::Fwd53Ref<Kro32s>>, rng);
+  CheckLevelAgainstReference<Kro32s>(kroiWTInv_B53_JPEG2K_32s_C1IR, kroiWTGetBufSize_B53_JPEG2K_32s_C1IR,
+                                     kro::Inv2DInPlace<Kro32s, kro::Inv53Ref<Kro32s>>, rng);
 }
 
 }  // namespace

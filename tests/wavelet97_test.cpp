@@ -14,6 +14,7 @@
 
 #include "kroj.h"
 #include "ref/wavelet_ref.h"
+#include "simd_test_util.h"
 #include "test_util.h"
 #include "wavelet_test_util.h"
 
@@ -452,6 +453,36 @@ TEST(Wavelet97, OutOfPlaceEqualsInPlaceQuadrants) {
         CheckOutOfPlace<D97<Kro16s>, Kro16s>(w, h, parity & 1, parity >> 1, 1000, rng);
         CheckOutOfPlace<D97<Kro32s>, Kro32s>(w, h, parity & 1, parity >> 1, 1 << 20, rng);
       }
+}
+
+// ---- Every SIMD target against the reference kernels ---------------------------------
+
+class Wavelet97Targets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(Wavelet97Targets);
+
+TEST_P(Wavelet97Targets, LevelsMatchTheReference) {
+  Rng rng(970);
+  CheckLevelAgainstReference<Kro16s>(kroiWTFwd_D97_JPEG2K_16s_C1IR, kroiWTGetBufSize_D97_JPEG2K_16s_C1IR,
+                                     kro::Fwd2DInPlace<Kro16s, kro::Fwd97Ref<Kro16s>>, rng);
+  CheckLevelAgainstReference<Kro16s>(kroiWTInv_D97_JPEG2K_16s_C1IR, kroiWTGetBufSize_D97_JPEG2K_16s_C1IR,
+                                     kro::Inv2DInPlace<Kro16s, kro::Inv97Ref<Kro16s>>, rng);
+  CheckLevelAgainstReference<Kro32s>(kroiWTFwd_D97_JPEG2K_32s_C1IR, kroiWTGetBufSize_D97_JPEG2K_32s_C1IR,
+                                     kro::Fwd2DInPlace<Kro32s, kro::Fwd97Ref<Kro32s>>, rng);
+  CheckLevelAgainstReference<Kro32s>(kroiWTInv_D97_JPEG2K_32s_C1IR, kroiWTGetBufSize_D97_JPEG2K_32s_C1IR,
+                                     kro::Inv2DInPlace<Kro32s, kro::Inv97Ref<Kro32s>>, rng);
+  // A row whose lifted float lands exactly on 2^31 (stored as INT32_MIN, as the
+  // truncating conversion gives it) next to two beyond it (INT32_MAX), through the
+  // horizontal and the vertical pass.
+  const Kro32s row[8] = {-1656079901, -838669814, 901501713, -123898510, 1729140449, -584231040, 15715782, 1025349402};
+  const Kro32s want[8] = {-1720276864, INT32_MIN, INT32_MAX,   -41870512,  // low-pass
+                          -585545472,  INT32_MAX, -2043318400, 1507650048};
+  for (const KroiRect r : {KroiRect{0, 0, 8, 1}, KroiRect{2, 4, 1, 8}}) {
+    Kro32s img[8];
+    Kro8u buf[64];
+    memcpy(img, row, sizeof(img));
+    ASSERT_EQ(kroiWTFwd_D97_JPEG2K_32s_C1IR(img, r.width * 4, &r, buf), kroStatusOk);
+    EXPECT_EQ(memcmp(img, want, sizeof(img)), 0) << r.width;
+  }
 }
 
 }  // namespace
