@@ -10,6 +10,8 @@
 
 #include <bit>
 
+#include <hwy/base.h>
+
 #include "kro_base.h"
 #include "tables.h"
 
@@ -64,9 +66,8 @@ inline constexpr int kDirectEndOfData = -256;
 inline constexpr int kMaxCorrectionBits = 937;
 inline constexpr int kMaxEobRun = 32767;
 
-constexpr uint32_t LowBits(uint32_t v, int n) {
-  return n >= 32 ? v : v & ((uint32_t{1} << n) - 1);
-}
+// The low n bits of v, n = 0..31.
+constexpr uint32_t LowBits(uint32_t v, int n) { return v & ((uint32_t{1} << n) - 1); }
 
 // T.81 F.1.2.1 magnitude category: bits of |v|, for |v| up to 65535.
 inline int ownpj_get_csize(int32_t v) {
@@ -80,15 +81,25 @@ inline int ownpj_get_eobsize(int32_t n) {
 }
 
 // The s extra bits that follow a category: v itself when v >= 0, the low s bits of
-// v - 1 (the one's complement of |v|) when v < 0.
+// v - 1 (the one's complement of |v|) when v < 0. v + (v >> 31) is v - 1 exactly for
+// negative v, so no branch is needed.
 constexpr uint32_t ExtraBits(int32_t v, int s) {
-  return LowBits(static_cast<uint32_t>(v < 0 ? v - 1 : v), s);
+  return LowBits(static_cast<uint32_t>(v) + static_cast<uint32_t>(v >> 31), s);
 }
 
-// T.81 F.2.2.1 EXTEND: s received bits v become a signed value.
-inline int32_t Extend(uint32_t v, int s) {
-  return (s > 0 && v < (uint32_t{1} << (s - 1))) ? static_cast<int32_t>(v) + own_pj_lowest_coef[s]
-                                                : static_cast<int32_t>(v);
+// Magnitude category by counting bits (T.81 F.1.2.1), equal to ownpj_get_csize for
+// |v| up to 65535, the range of every difference and coefficient coded here. The
+// highest set bit of 2|v| + 1 is the category, 0 included, without a test for 0.
+inline int Category(int32_t v) {
+  const uint32_t a = static_cast<uint32_t>(v < 0 ? -v : v);
+  return __builtin_clz(2 * a + 1) ^ 31;
+}
+
+// T.81 F.2.2.1 EXTEND: s received bits v (s = 1..16) become a signed value, v plus
+// own_pj_lowest_coef[s] when bit s - 1 of v is clear; the test is a sign mask.
+HWY_INLINE int32_t Extend(uint32_t v, int s) {
+  const int32_t top_clear = static_cast<int32_t>(v - (uint32_t{1} << (s - 1))) >> 31;  // -1 or 0
+  return static_cast<int32_t>(v) + (top_clear & own_pj_lowest_coef[s]);
 }
 
 // ---------------------------------------------------------------------------------
@@ -100,7 +111,8 @@ inline int32_t Extend(uint32_t v, int s) {
 // the advanced position stay, the state keeps its window from before the call.
 inline KroStatus ownpj_write_bits_jpeg(uint32_t code, int length, Kro8u* pDst, int dstLenBytes,
                                        int* pDstCurrPos, EncState* state) {
-  if (length <= 0) return kroStatusJPEGHuffTableError;
+  // Length 0: the symbol has no code. Above 16 only a corrupted table gets here.
+  if (length <= 0 || length > 16) return kroStatusJPEGHuffTableError;
   int n = state->bitCount + length;
   uint32_t acc = static_cast<uint32_t>(state->accumulator) | (LowBits(code, length) << (24 - n));
   int pos = *pDstCurrPos;
@@ -130,7 +142,7 @@ inline KroStatus ownpj_write_bits_jpeg(uint32_t code, int length, Kro8u* pDst, i
 // completed 0xFF is followed by 0x00 (which advances the position by 8 more). A
 // length below 1 writes nothing.
 inline void ownpj_write_bits_direct_jpeg(uint32_t code, int length, Kro8u* pDst, int* pBitPos) {
-  if (length < 1) return;
+  if (length < 1 || length > 16) return;  // above 16: only from a corrupted table
   const int p = *pBitPos;
   Kro8u* d = pDst + (p >> 3);
   const int free_bits = 8 - (p & 7);
@@ -188,27 +200,30 @@ class CheckedSink {
   EncState* st_;
 };
 
-// Fast sink for a destination with room for the worst case of the call: a 64-bit
-// accumulator, four bytes stored at a time when none of them is 0xFF. It leaves the
-// same bytes and the same state window as the checked sink (Finish() must run on
-// every exit), because without a full buffer the only failure is a missing code,
-// which writes nothing.
+// Fast sink for a destination with room for the worst case of the call. Bits gather
+// in a 64-bit window and leave four bytes at a time (one store when none of them is
+// 0xFF). Finish() must run on every exit: it writes the remaining whole bytes and
+// stores the state the checked sink would have left, because without a full buffer
+// the only failure is a missing code, which writes nothing. The window keeps the bits
+// already written above the pending ones, so the stored accumulator carries the last
+// byte written in its bits 31..24 exactly as the byte-wise writer leaves it.
 class FastSink {
  public:
   FastSink(Kro8u* dst, int* pos, EncState* st) : base_(dst), pos_(pos), st_(st) {
-    n_ = st->bitCount;
+    n_ = st->bitCount & 7;
     acc_ = static_cast<uint32_t>(st->accumulator) >> (24 - n_);
     p_ = dst + *pos;
   }
-  KroStatus Symbol(const EncSpec* t, int sym, uint32_t extra, int nbits) {
-    const uint32_t e = sym < 256 ? t->entry[sym] : 0;
-    const int len = static_cast<int>(e >> 16);
-    if (len == 0) return kroStatusJPEGHuffTableError;
-    Put(((e & 0xFFFF) << nbits) | LowBits(extra, nbits), len + nbits);
+  // The code of sym followed by the low nbits (0..16) of extra.
+  HWY_INLINE KroStatus Symbol(const EncSpec* t, int sym, uint32_t extra, int nbits) {
+    if (sym > 255) return kroStatusJPEGHuffTableError;
+    const uint32_t e = t->entry[sym];
+    const uint32_t len = e >> 16;
+    if (len - 1 > 15) return kroStatusJPEGHuffTableError;  // no code
+    Put((LowBits(e, static_cast<int>(len)) << nbits) | LowBits(extra, nbits), static_cast<int>(len) + nbits);
     return kroStatusOk;
   }
-  KroStatus Bits(uint32_t v, int n) {
-    if (n <= 0) return kroStatusJPEGHuffTableError;
+  HWY_INLINE KroStatus Bits(uint32_t v, int n) {
     Put(LowBits(v, n), n);
     return kroStatusOk;
   }
@@ -220,8 +235,8 @@ class FastSink {
   }
 
  private:
-  // bits holds exactly n (<= 32) significant bits.
-  void Put(uint32_t bits, int n) {
+  // bits holds exactly n (1..32) significant bits.
+  HWY_INLINE void Put(uint32_t bits, int n) {
     acc_ = (acc_ << n) | bits;
     n_ += n;
     if (n_ < 32) return;
@@ -250,6 +265,15 @@ class FastSink {
   Kro8u* base_;
   int* pos_;
   EncState* st_;
+};
+
+// Counts the symbols the baseline encoder writes (T.81 K.2 statistics); the "table"
+// of each symbol is its counter array. Indices past 255 count nothing.
+struct CountingSink {
+  HWY_INLINE KroStatus Symbol(int* counts, int sym, uint32_t, int) {
+    if (sym < 256) ++counts[sym];
+    return kroStatusOk;
+  }
 };
 
 // Direct sink: no capacity, no failure; a symbol without a code is skipped.
@@ -285,24 +309,14 @@ KroStatus WithSink(Kro8u* pDst, int dstLenBytes, int* pDstCurrPos, EncState* sta
   return body(sink);
 }
 
-// Bytes one baseline block can need: DC 16+16 bits, 63 AC values of at most 16+15 bits
-// (ZRL and EOB cost less than the values they replace), 7 pending bits; doubled for
-// stuffing.
-inline constexpr int kBlockWorstCaseBytes = 512;
+// Bytes one baseline block can need: 7 pending bits, DC 16 + 16 bits, 63 AC values of
+// at most 16 + 16 bits (ZRL and EOB never cost more than the values they stand for):
+// 2055 bits, 257 bytes, doubled for stuffing.
+inline constexpr int kBlockWorstCaseBytes = 520;
 
-// T.81 F.1.2.1 and F.1.2.2: one baseline block in natural order. The DC difference is
-// computed in 32 bits. AC values are visited through a mask of the non-zero zig-zag
-// positions, so each run is a count of trailing zeros. Table is whatever the sink
-// takes for a symbol's table (an encoder spec, or a counter array).
-template <class Table, class Sink>
-KroStatus EncodeBlock(const Kro16s* src, Kro16s* last_dc, Table dc, Table ac, Sink& sink) {
-  const int32_t diff = int32_t{src[0]} - *last_dc;
-  *last_dc = src[0];
-  int s = ownpj_get_csize(diff);
-  KroStatus st = sink.Symbol(dc, s, ExtraBits(diff, s), s);
-  if (st != kroStatusOk) return st;
-  // Bit k of nz: zig-zag position k holds a non-zero AC value. Quantised blocks are
-  // mostly zero, so whole groups of four are skipped at once.
+// Bit k: zig-zag position k of the block holds a non-zero value. Plain version, for
+// the checked and Direct paths; the fast paths compute it with vectors.
+inline uint64_t ZigZagNonZero(const Kro16s* src) {
   uint64_t nz = 0;
   for (int i = 0; i < 64; i += 4) {
     uint64_t group;
@@ -311,18 +325,36 @@ KroStatus EncodeBlock(const Kro16s* src, Kro16s* last_dc, Table dc, Table ac, Si
     for (int j = i; j < i + 4; ++j)
       if (src[j] != 0) nz |= uint64_t{1} << zigzag_index_Fwd[j];
   }
+  return nz;
+}
+
+// T.81 F.1.2.1 and F.1.2.2: one baseline block in natural order, with nz its
+// ZigZagNonZero mask. The DC difference is computed in 32 bits; each AC run is a
+// count of trailing zeros of the mask. Table is whatever the sink takes for a
+// symbol's table (an encoder spec, or a counter array). A value of -32768 after a run
+// of 15 makes symbol 256, which the sinks treat as having no code.
+template <class Table, class Sink>
+HWY_INLINE KroStatus EncodeBlock(const Kro16s* src, uint64_t nz, Kro16s* last_dc, Table dc, Table ac,
+                                 Sink& sink) {
+  const int32_t diff = int32_t{src[0]} - *last_dc;
+  *last_dc = src[0];
+  int s = Category(diff);
+  KroStatus st = sink.Symbol(dc, s, ExtraBits(diff, s), s);
+  if (st != kroStatusOk) return st;
   nz &= ~uint64_t{1};
   int next = 1;  // zig-zag position just after the last value written
   while (nz != 0) {
     const int k = std::countr_zero(nz);
     nz &= nz - 1;
     int r = k - next;
-    for (; r > 15; r -= 16) {
-      st = sink.Symbol(ac, 0xF0, 0, 0);  // ZRL
-      if (st != kroStatusOk) return st;
+    if (r > 15) [[unlikely]] {
+      for (; r > 15; r -= 16) {
+        st = sink.Symbol(ac, 0xF0, 0, 0);  // ZRL
+        if (st != kroStatusOk) return st;
+      }
     }
     const int32_t v = src[own_pj_izigzag_index[k]];
-    s = ownpj_get_csize(v);
+    s = Category(v);
     st = sink.Symbol(ac, r * 16 + s, ExtraBits(v, s), s);
     if (st != kroStatusOk) return st;
     next = k + 1;
@@ -334,6 +366,13 @@ KroStatus EncodeBlock(const Kro16s* src, Kro16s* last_dc, Table dc, Table ac, Si
 // ---------------------------------------------------------------------------------
 // Buffered reader. The working copy lives in registers during a call; Commit() stores
 // it back (the state keeps consumed bits whatever the outcome).
+//
+// The refill rule fixes what a caller sees after every call: bytes enter one at a
+// time, only when an operation finds fewer bits than it needs, and only until 25 or
+// more are held. The fast refill below takes the same bytes in one step when the next
+// four are at hand and none is 0xFF; anything else (the end of the source, stuffing,
+// fill bytes, markers) goes byte by byte. Either way the position, accumulator and
+// count are those of the byte-wise rule.
 
 struct BitReader {
   const Kro8u* src;
@@ -343,8 +382,15 @@ struct BitReader {
   uint32_t acc;
   int bits;
 
+  // A count outside 0..32 can only come from a corrupted state; it is clamped so that
+  // no shift goes out of range.
   BitReader(const Kro8u* s, int n, const int* p, int* m, const DecState* st)
-      : src(s), len(n), pos(*p), marker(m), acc(static_cast<uint32_t>(st->accumulator)), bits(st->bitCount) {}
+      : src(s),
+        len(n),
+        pos(*p),
+        marker(m),
+        acc(static_cast<uint32_t>(st->accumulator)),
+        bits(st->bitCount < 0 ? 0 : st->bitCount > 32 ? 32 : st->bitCount) {}
   void Commit(int* p, DecState* st) const {
     *p = pos;
     st->accumulator = acc;
@@ -353,9 +399,9 @@ struct BitReader {
 
   // The next n bits (n <= 16). Bits missing after a marker read as zeros and leave
   // the count at 0, so the next refill reports the shortage.
-  uint32_t Take(int n) {
+  HWY_INLINE uint32_t Take(int n) {
     uint32_t v;
-    if (bits >= n) {
+    if (bits >= n) [[likely]] {
       bits -= n;
       v = acc >> bits;
     } else {
@@ -366,12 +412,21 @@ struct BitReader {
   }
 };
 
-// Refill until at least 25 bits are held (n: bits the caller needs). A marker stops
-// reading for good (*marker = its code) and is not an error by itself; asking for more
-// bits than held after it is (-63). The source running out while bits are needed: -62.
-inline KroStatus ownpj_FillBitBuffer(BitReader& r, int n) {
-  if (*r.marker != 0) return n > r.bits ? kroStatusJPEGDataError : kroStatusOk;
-  if (r.bits >= 25) return kroStatusOk;
+// True when none of the four bytes of w is 0xFF.
+HWY_INLINE bool NoFF(uint32_t w) {
+  const uint32_t inv = ~w;  // a 0xFF byte of w is a zero byte of inv
+  return ((inv - 0x01010101u) & ~inv & 0x80808080u) == 0;
+}
+
+// Four bytes at p, the first in the top byte.
+HWY_INLINE uint32_t LoadBE32(const Kro8u* p) {
+  uint32_t w;
+  memcpy(&w, p, sizeof(w));
+  return __builtin_bswap32(w);
+}
+
+// Byte-wise refill, off the common path: see ownpj_FillBitBuffer.
+[[gnu::noinline]] inline KroStatus FillBytes(BitReader& r, int n) {
   while (r.pos < r.len) {
     uint32_t b = r.src[r.pos++];
     if (b == 0xFF) {
@@ -390,6 +445,31 @@ inline KroStatus ownpj_FillBitBuffer(BitReader& r, int n) {
     if (r.bits >= 25) return kroStatusOk;
   }
   return n > r.bits ? kroStatusJPEGOutOfBuffer : kroStatusOk;
+}
+
+
+// Refill until at least 25 bits are held (n: bits the caller needs). A marker stops
+// reading for good (*marker = its code) and is not an error by itself; asking for more
+// bits than held after it is (-63). The source running out while bits are needed: -62.
+HWY_INLINE KroStatus ownpj_FillBitBuffer(BitReader& r, int n) {
+  if (*r.marker != 0) return n > r.bits ? kroStatusJPEGDataError : kroStatusOk;
+  if (r.bits >= 25) return kroStatusOk;
+  if (r.len - r.pos >= 4) [[likely]] {
+    const uint32_t w = LoadBE32(r.src + r.pos);
+    if (NoFF(w)) [[likely]] {
+      const int k = (32 - r.bits) >> 3;  // bytes to reach 25 bits: 1..4
+      r.acc = static_cast<uint32_t>(((uint64_t{r.acc} << 32) | w) >> (32 - 8 * k));
+      r.pos += k;
+      r.bits += 8 * k;
+      return kroStatusOk;
+    }
+  }
+  // The slow path works on a copy, so that the reader itself never has its address
+  // taken and stays in registers.
+  BitReader t = r;
+  const KroStatus st = FillBytes(t, n);
+  r = t;
+  return st;
 }
 
 // Canonical-limit search from code length L (T.81 F.2.2.3 DECODE), for codes the
@@ -419,21 +499,33 @@ inline KroStatus ownpj_DecodeHuffLongCodes(BitReader& r, int* sym, const DecSpec
   return kroStatusJPEGDataError;
 }
 
-inline KroStatus ownpj_DecodeHuffSymbol(BitReader& r, int* sym, const DecSpec* t) {
+// The long-code search off the common path: lengths from L (1 when fewer than 8 bits
+// are left before a marker or the end of the source, 9 after a lookup miss).
+[[gnu::noinline]] inline KroStatus DecodeLongSymbolCopy(BitReader& r, int* sym, const DecSpec* t, int L) {
+  return ownpj_DecodeHuffLongCodes(r, sym, t, L);
+}
+HWY_INLINE KroStatus DecodeLongSymbol(BitReader& r, int* sym, const DecSpec* t, int L) {
+  BitReader c = r;  // see ownpj_FillBitBuffer
+  const KroStatus st = DecodeLongSymbolCopy(c, sym, t, L);
+  r = c;
+  return st;
+}
+
+HWY_INLINE KroStatus ownpj_DecodeHuffSymbol(BitReader& r, int* sym, const DecSpec* t) {
   if (r.bits < 8) {
     const KroStatus st = ownpj_FillBitBuffer(r, 0);
     if (st != kroStatusOk) return st;
-    if (r.bits < 8) return ownpj_DecodeHuffLongCodes(r, sym, t, 1);
+    if (r.bits < 8) [[unlikely]] return DecodeLongSymbol(r, sym, t, 1);
   }
   const uint32_t e = t->fastLookup[(r.acc >> (r.bits - 8)) & 255];
-  if (e == 0) return ownpj_DecodeHuffLongCodes(r, sym, t, 9);
+  if (e == 0) [[unlikely]] return DecodeLongSymbol(r, sym, t, 9);
   *sym = static_cast<int>(e & 0xFFFF);
   r.bits -= static_cast<int>(e >> 16);
   return kroStatusOk;
 }
 
 // s extra bits (s = 1..16), refilling first when fewer are held.
-inline KroStatus ReceiveBits(BitReader& r, int s, uint32_t* v) {
+HWY_INLINE KroStatus ReceiveBits(BitReader& r, int s, uint32_t* v) {
   if (r.bits < s) {
     const KroStatus st = ownpj_FillBitBuffer(r, s);
     if (st != kroStatusOk) return st;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // JPEG Huffman tables: encoder and decoder specifications built from BITS/HUFFVAL,
-// the bit-stream states, baseline symbol statistics and optimal tables (T.81 K.2).
+// the bit-stream states and optimal tables from symbol statistics (T.81 K.2).
 #include <string.h>
 
 #include "bitio.h"
@@ -121,22 +121,7 @@ KroStatus FreeBuf(void* p) {
   return kroStatusOk;
 }
 
-// Counts the symbols the baseline encoder writes for one block (T.81 F.1.2); the
-// "table" of each symbol is its counter array. Indices past 255 count nothing.
-struct CountingSink {
-  KroStatus Symbol(int* counts, int sym, uint32_t, int) {
-    if (sym < 256) ++counts[sym];
-    return kroStatusOk;
-  }
-};
-
 }  // namespace
-
-KroStatus ownpj_GetHuffmanStatistics8x8(const Kro16s* pSrc, int* pDc, int* pAc, Kro16s* pLastDC) {
-  if (AnyNull(pSrc, pDc, pAc, pLastDC)) return kroStatusNullPointer;
-  CountingSink sink;
-  return EncodeBlock(pSrc, pLastDC, pDc, pAc, sink);
-}
 
 // T.81 K.2 (figures K.1 to K.4): code lengths by repeatedly merging the two least
 // frequent subtrees; ties pick the highest symbol, counts above 10^9 are never
@@ -255,10 +240,6 @@ KRO_EXPORT KroStatus kroiDecodeHuffmanStateFree_JPEG_8u(KroiDecodeHuffmanState* 
   return FreeBuf(pDecHuffState);
 }
 
-KRO_EXPORT KroStatus kroiGetHuffmanStatistics8x8_JPEG_16s_C1(const Kro16s* pSrc, int pDcStatistics[256],
-                                                             int pAcStatistics[256], Kro16s* pLastDC) {
-  return ownpj_GetHuffmanStatistics8x8(pSrc, pDcStatistics, pAcStatistics, pLastDC);
-}
 KRO_EXPORT KroStatus kroiEncodeHuffmanRawTableInit_JPEG_8u(const int pStatistics[256], Kro8u* pListBits,
                                                            Kro8u* pListVals) {
   if (AnyNull(pStatistics, pListBits, pListVals)) return kroStatusNullPointer;

@@ -55,6 +55,30 @@ const int32_t own_pj_eobsize[512] = {
     8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8,
 };
 
+namespace {
+
+constexpr std::array<std::array<uint64_t, 256>, 8> ZigZagRowBits() {
+  // Zig-zag position of each natural index: the anti-diagonals r + c = d in turn,
+  // even ones walked upwards (row falling), odd ones downwards.
+  int pos[64] = {};
+  for (int d = 0, k = 0; d < 15; ++d) {
+    for (int i = 0; i <= d; ++i) {
+      const int r = d % 2 == 0 ? d - i : i, c = d - r;
+      if (r < 8 && c < 8) pos[r * 8 + c] = k++;
+    }
+  }
+  std::array<std::array<uint64_t, 256>, 8> t{};
+  for (int r = 0; r < 8; ++r)
+    for (int m = 0; m < 256; ++m)
+      for (int c = 0; c < 8; ++c)
+        if (m >> c & 1) t[r][m] |= uint64_t{1} << pos[r * 8 + c];
+  return t;
+}
+
+}  // namespace
+
+const std::array<std::array<uint64_t, 256>, 8> kZigZagRowBits = ZigZagRowBits();
+
 // ---- Quantisation, DCT and zig-zag ----
 
 const int32_t zigzag_index_Fwd[64] = {

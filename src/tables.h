@@ -21,6 +21,10 @@ extern const int32_t own_pj_izigzag_index[72];
 extern const int32_t own_pj_lowest_coef[17];
 // Entry n = floor(log2 n) for n >= 1, 0 for n = 0 (EOBRUN sizes).
 extern const int32_t own_pj_eobsize[512];
+// Zig-zag bits of one row: entry [row][m] has bit k set for every column c with bit
+// c of m set, k the zig-zag position of (row, c). Turns a natural-order non-zero
+// mask into a zig-zag one, a row at a time.
+extern const std::array<std::array<uint64_t, 256>, 8> kZigZagRowBits;
 
 // ---- Quantisation, DCT and zig-zag ----
 

@@ -9,6 +9,7 @@
 
 #include "bitio.h"
 #include "huffman_test_util.h"
+#include "simd_test_util.h"
 #include "test_util.h"
 
 namespace {
@@ -656,3 +657,224 @@ TEST(HuffmanStatistics, OptimalTables) {
 
 
 }  // namespace
+
+// ---- Every target against the byte-wise rules ----------------------------------
+// The fast paths (vector masks, wide bit windows, whole-word refills) must leave the
+// bytes, positions, counts and accumulators that the byte-wise rules of T.81 F.1.2.3
+// and F.2.2.5 leave after every call. The references below are written from those
+// rules, with canonical codes computed here.
+
+// The buffered reader: refill only when an operation lacks bits, byte by byte up to 25
+// bits, stopping for good at a marker.
+struct RefReader {
+  const std::vector<uint8_t>& src;
+  int pos = 0, marker = 0, bits = 0;
+  uint32_t acc = 0;
+  int Fill(int n) {
+    if (marker != 0) return n > bits ? kroStatusJPEGDataError : 0;
+    if (bits >= 25) return 0;
+    while (pos < int(src.size())) {
+      int b = src[pos++];
+      if (b == 0xFF) {
+        for (;;) {
+          if (pos >= int(src.size())) return kroStatusJPEGOutOfBuffer;
+          const int c = src[pos++];
+          if (c == 0) break;
+          if (c != 0xFF) {
+            marker = c;
+            return 0;
+          }
+        }
+      }
+      acc = acc << 8 | uint32_t(b);
+      bits += 8;
+      if (bits >= 25) return 0;
+    }
+    return n > bits ? kroStatusJPEGOutOfBuffer : 0;
+  }
+  uint32_t Take(int n) {
+    const uint32_t v = bits >= n ? acc >> (bits - n) : acc << (n - bits);
+    bits = std::max(bits - n, 0);
+    return v & ((1u << n) - 1);
+  }
+  int Symbol(const std::array<Code, 256>& t, int* sym) {
+    int L = 1;
+    if (bits < 8) {
+      if (int st = Fill(0)) return st;
+    }
+    if (bits >= 8) {
+      const uint32_t peek = (acc >> (bits - 8)) & 255;
+      for (int s = 0; s < 256; ++s)
+        if (t[s].len > 0 && t[s].len <= 8 && peek >> (8 - t[s].len) == t[s].code) {
+          bits -= t[s].len;
+          *sym = s;
+          return 0;
+        }
+      L = 9;
+    }
+    if (bits < L) {
+      if (int st = Fill(L)) return st;
+    }
+    for (uint32_t code = Take(L);; code = code << 1 | Take(1), ++L) {
+      for (int s = 0; s < 256; ++s)
+        if (t[s].len == L && t[s].code == code) return *sym = s, 0;
+      if (L == 16) return kroStatusJPEGDataError;
+      if (bits == 0) {
+        if (int st = Fill(1)) return st;
+      }
+    }
+  }
+  int Receive(int s, int* v) {
+    if (bits < s) {
+      if (int st = Fill(s)) return st;
+    }
+    const int u = int(Take(s));
+    *v = u < (1 << (s - 1)) ? u - (1 << s) + 1 : u;
+    return 0;
+  }
+  // One baseline block; returns the status and sets *end as endPosition.
+  int Block(Kro16s* out, Kro16s* last, const std::array<Code, 256>& dc, const std::array<Code, 256>& ac, int* end) {
+    std::fill(out, out + 64, 0);
+    int sym, v, st = Symbol(dc, &sym);
+    if (st == 0 && (sym & 15) != 0 && (st = Receive(sym & 15, &v)) == 0) *last = Kro16s(*last + v);
+    if (st != 0) return *end = 0, st;
+    out[0] = *last;
+    int k = 1;
+    while (k < 64) {
+      if ((st = Symbol(ac, &sym)) != 0) break;
+      const int r = sym >> 4, s = sym & 15;
+      if (s == 0 && r < 15) break;
+      k += s == 0 ? 16 : r;
+      if (s == 0) continue;
+      if ((st = Receive(s, &v)) != 0) {
+        ++k;
+        break;
+      }
+      if (k >= 72) return kroStatusError;
+      out[k < 64 ? kZz[k] : 63] = Kro16s(v);
+      ++k;
+    }
+    *end = k;
+    return st;
+  }
+};
+
+class HuffmanTargets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(HuffmanTargets);
+
+// Encoder: the fast path (room for a whole block) against the checked path (room
+// only just short of the fast path's margin) and the counting walk, call by call.
+// Buffered decoder: against RefReader after every block, on a stream with stuffing,
+// fill bytes and restart markers; the tail of the source exercises the byte-wise end.
+TEST_P(HuffmanTargets, FastPathsMatchByteWiseRules) {
+  Rng rng(31);
+  std::vector<Kro16s> blocks = RandomBlocks(rng, 400, 32767, 30000);
+  for (int i = 0; i < 400; i += 7) blocks[64 * i + kZz[1 + i % 63]] = -32768;  // category 16
+  for (int i = 3; i < 400; i += 11) blocks[64 * i + 2] = static_cast<Kro16s>(i % 2 ? 255 : -256);
+  // Tables from the first half only: some symbols of the second half have no code.
+  const OptimalTables opt(std::vector<Kro16s>(blocks.begin(), blocks.begin() + 64 * 200));
+  EncTable dc(opt.dc_bits, opt.dc_vals), ac(opt.ac_bits, opt.ac_vals);
+  DecTable ddc(opt.dc_bits, opt.dc_vals), dac(opt.ac_bits, opt.ac_vals);
+  const auto cdc = Canonical(opt.dc_bits, opt.dc_vals), cac = Canonical(opt.ac_bits, opt.ac_vals);
+
+  std::vector<Kro8u> fast(400 * 600, 0xAB), slow(400 * 600, 0xAB);
+  EncStateBuf fs, ss;
+  int fpos = 0, spos = 0, failures = 0, wlast = 0;
+  Kro16s flast = 0, slast = 0, clast = 0;
+  int stats[2][256] = {}, want[2][256] = {};
+  for (int b = 0; b < 400; ++b) {
+    const Kro16s* blk = &blocks[64 * b];
+    const int tight = spos + kro::kBlockWorstCaseBytes - 1;
+    const KroStatus f = kroiEncodeHuffman8x8_JPEG_16s1u_C1(blk, fast.data(), int(fast.size()), &fpos, &flast,
+                                                           dc.get(), ac.get(), fs.get(), 0);
+    const KroStatus s = kroiEncodeHuffman8x8_JPEG_16s1u_C1(blk, slow.data(), tight, &spos, &slast, dc.get(),
+                                                           ac.get(), ss.get(), 0);
+    ASSERT_EQ(s, f) << b;
+    failures += f != 0;
+    ASSERT_EQ(spos, fpos) << b;
+    ASSERT_EQ(ss.get()->bitCount, fs.get()->bitCount) << b;
+    ASSERT_EQ(ss.get()->accumulator, fs.get()->accumulator) << b;
+    ASSERT_EQ(kroStatusOk, kroiGetHuffmanStatistics8x8_JPEG_16s_C1(blk, stats[0], stats[1], &clast));
+    // Expected counts: the symbols of the literal walk, found by their codes.
+    int r = 0;
+    ++want[0][Category(blk[0] - wlast)];
+    wlast = blk[0];
+    for (int k = 1; k < 64; ++k) {
+      const int v = blk[kZz[k]];
+      if (v == 0) {
+        ++r;
+        continue;
+      }
+      for (; r > 15; r -= 16) ++want[1][0xF0];
+      if (r * 16 + Category(v) < 256) ++want[1][r * 16 + Category(v)];
+      r = 0;
+    }
+    if (r > 0) ++want[1][0];
+    if (b % 50 == 49) {  // flush and restart marker
+      kroiEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, fast.data(), int(fast.size()), &fpos, nullptr, nullptr, nullptr,
+                                         fs.get(), 1);
+      kroiEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, slow.data(), int(slow.size()), &spos, nullptr, nullptr, nullptr,
+                                         ss.get(), 1);
+      for (auto* v : {&fast, &slow}) {
+        (*v)[size_t(fpos)] = 0xFF;
+        (*v)[size_t(fpos) + 1] = 0xFF;  // a fill byte
+        (*v)[size_t(fpos) + 2] = static_cast<Kro8u>(0xD0 + b / 50 % 8);
+      }
+      fpos = spos = fpos + 3;
+      flast = slast = clast = 0;
+      wlast = 0;
+    }
+  }
+  EXPECT_GT(failures, 0);  // missing codes were met on both paths
+  ASSERT_EQ(0, memcmp(fast.data(), slow.data(), fast.size()));
+  for (int t = 0; t < 2; ++t)
+    for (int i = 0; i < 256; ++i) EXPECT_EQ(want[t][i], stats[t][i]) << t << " " << i;
+
+  // Decode what the encoder wrote, block by block, with the library and RefReader.
+  // Where the data is valid and no marker is near, the Direct decoder takes the same
+  // bytes at the same moments: the same position, accumulator and count.
+  const std::vector<uint8_t> data(fast.begin(), fast.begin() + fpos);
+  DecStateBuf st;
+  RefReader ref{data};
+  int pos = 0, marker = 0, checked = 0, dpos = 0, dmarker = 0, dbits = 0, direct_checked = 0;
+  Kro32u dacc = 0;
+  Kro16s last = 0, rlast = 0, dlast = 0, out[64], rout[64], dout[64];
+  for (int b = 0; b < 400 && pos < int(data.size()); ++b) {
+    int end = 0;
+    const KroStatus got = kroiDecodeHuffman8x8_JPEG_1u16s_C1(data.data(), int(data.size()), &pos, out, &last,
+                                                             &marker, ddc.get(), dac.get(), st.get());
+    const int want_st = ref.Block(rout, &rlast, cdc, cac, &end);
+    ASSERT_EQ(want_st, got) << b;
+    ASSERT_EQ(ref.pos, pos) << b;
+    ASSERT_EQ(ref.bits, st.get()->bitCount) << b;
+    ASSERT_EQ(ref.acc, static_cast<uint32_t>(st.get()->accumulator)) << b;
+    ASSERT_EQ(ref.marker, marker) << b;
+    ASSERT_EQ(0, memcmp(out, rout, sizeof(out))) << b;
+    if (got == kroStatusOk) ASSERT_EQ(end, st.get()->endPosition) << b;
+    ++checked;
+    const KroStatus dgot = kroiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(data.data(), &dpos, dout, &dlast, &dmarker,
+                                                                     &dacc, &dbits, ddc.get(), dac.get());
+    if (got == kroStatusOk && marker == 0 && dmarker == 0) {
+      ASSERT_EQ(kroStatusOk, dgot) << b;
+      ASSERT_EQ(pos * 8, dpos) << b;
+      ASSERT_EQ(ref.bits, dbits) << b;
+      ASSERT_EQ(ref.acc, dacc) << b;
+      ASSERT_EQ(0, memcmp(dout, rout, sizeof(out))) << b;
+      ++direct_checked;
+    }
+    if (marker != 0 || got != kroStatusOk) {  // resynchronise after the next marker
+      if (marker == 0) {
+        while (ref.pos + 1 < int(data.size()) && !(data[ref.pos] == 0xFF && data[ref.pos + 1] == 0xFF)) ++ref.pos;
+        ref.pos += 3;
+      }
+      pos = ref.pos;
+      dpos = pos * 8;
+      marker = ref.marker = ref.bits = dmarker = dbits = 0;
+      ref.acc = dacc = 0;
+      kroiDecodeHuffmanStateInit_JPEG_8u(st.get());
+      last = rlast = dlast = 0;
+    }
+  }
+  EXPECT_GT(checked, 150);
+  EXPECT_GT(direct_checked, 150);
+}
