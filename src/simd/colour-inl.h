@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // SIMD building blocks of the JPEG colour conversions, compiled once per target:
 // pixel loads and stores for every layout, and the fixed-point sums of the plane and
-// MCU conversions, on vectors of up to 16 pixels held in 16-bit lanes.
+// MCU conversions, on vectors of pixels held in 16-bit lanes.
 //
 // Exactness. The scalar kernels add table entries that are 16-bit fixed-point
 // products modulo 2^32; the same sums formed here from 32-bit lane products are the
 // same integers, because every sum the tables can produce for 8-bit inputs lies in
 // 0 .. 2^24 (encoder) or fits 32 bits trivially (decoder), so no wrap can differ.
-// The decoder MCU products wrap exactly as the reference's 32-bit products do: a
-// lane multiply keeps the low 32 bits. Every result is a 32-bit value shifted right
-// by 16 or more, so it fits a 16-bit lane. Clamping to 0..255 is the saturating
-// narrowing from 16 to 8 bits.
+// The decoder MCU products wrap in 32 bits; their high halves are still exact in
+// 16-bit lanes (see McuTerms). Every result is a 32-bit value shifted right by 16 or
+// more, so it fits a 16-bit lane. Clamping to 0..255 is the saturating narrowing
+// from 16 to 8 bits.
 //
-// Vectors are capped at 16 lanes of 16 bits: an MCU row is 8 or 16 pixels, and the
-// plane rows are memory bound beyond that width. The one-lane scalar target uses
-// the scalar kernels instead (see HWY_TARGET == HWY_SCALAR in the callers).
+// Plane rows use whole vectors of 16-bit lanes, one pixel per lane; the MCU kernels
+// use 8 or 16 lanes, one MCU row. The one-lane scalar target uses the scalar kernels
+// under the same names (the #else branch at the end).
 
 // Per-target include guard: this file is included once for every SIMD target.
 #if defined(KROJ_SRC_SIMD_COLOUR_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -41,15 +41,14 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET != HWY_SCALAR
 
-// D is a tag of 8 or 16 lanes of int16_t, one pixel per lane; the 32-bit tag holds
-// half of them.
+// D is a tag of int16_t lanes, one pixel per lane; the 32-bit tag holds half of them.
 template <class D>
 using D32Of = hn::Repartition<int32_t, D>;
 template <class D>
 using D8Of = hn::Rebind<uint8_t, D>;
 template <class D>
 using V32Of = hn::Vec<D32Of<D>>;
-using DRow = hn::CappedTag<int16_t, 16>;  // plane rows: 8 or 16 pixels per vector
+using DRow = hn::ScalableTag<int16_t>;  // plane rows: 8, 16 or 32 pixels per vector
 
 // The halves of a 16-bit vector widened to 32 bits, and back (values fit 16 bits).
 template <class D, class V = hn::Vec<D>>
@@ -148,51 +147,47 @@ HWY_INLINE V32 Shr(D32 d, V32 sum, int32_t add) {
   return hn::ShiftRight<kShift>(hn::Add(sum, hn::Set(d, add)));
 }
 
-// Plane decoder: the chroma contribution (c d + 32768) >> 16 of a centred sample d
-// in -128..127 for c = k * 2^16 + c' with c' within int16. Since c d = k d 2^16 +
-// c' d, the result is k d plus the high half of c' d, plus one when the low half of
-// c' d is 32768 or more (the carry of the rounding term).
-template <int32_t kC, class D, class V = hn::Vec<D>>
-HWY_INLINE V RoundedTerm(D d16, V d) {
+// Decoder chroma contributions in 16-bit lanes, without 32-bit products. For c = k *
+// 2^16 + c' with c' within int16, c x = k x 2^16 + c' x, so (c x + round) >> 16 is
+// k x plus the high half of c' x, plus, with the rounding term 32768, one when the
+// low half of c' x is 32768 or more. The sum is taken modulo 2^16.
+template <int32_t kC, bool kRound, class D, class V = hn::Vec<D>>
+HWY_INLINE V ProductHigh(D d16, V x) {
   constexpr int32_t kK = (kC + 32768) >> 16, kLow = kC - kK * 65536;
   static_assert(kLow >= -32768 && kLow < 32768 && (kK == 1 || kK == 2));
   const V c = hn::Set(d16, static_cast<int16_t>(kLow));
+  const V whole = kK == 1 ? x : hn::Add(x, x);
+  const V high = hn::Add(whole, hn::MulHigh(x, c));
+  if constexpr (!kRound) return high;
   const hn::RebindToUnsigned<D> du;
-  const V carry = hn::BitCast(d16, hn::ShiftRight<15>(hn::BitCast(du, hn::Mul(d, c))));
-  const V whole = kK == 1 ? d : hn::Add(d, d);
-  return hn::Add(hn::Add(whole, hn::MulHigh(d, c)), carry);
+  return hn::Add(high, hn::BitCast(d16, hn::ShiftRight<15>(hn::BitCast(du, hn::Mul(x, c)))));
 }
-// Plane decoder green: (32768 - 22554 dcb - 46802 dcr) >> 16 = -dcr + ((32768 -
-// 22554 dcb + 18734 dcr) >> 16), the bracket from 16-bit pairs (dcb, dcr).
+// Green: (round - 22554 cb - 46802 cr) >> 16 = -cr + ((round - 22554 cb + 18734 cr)
+// >> 16), the bracket from 16-bit pairs (cb, cr), which never leaves 32 bits for
+// 16-bit cb and cr.
 static_assert(ref::kGCr - 65536 == -18734);
-template <class D, class V = hn::Vec<D>>
-HWY_INLINE V RoundedGreenTerm(D d, V dcb, V dcr) {
+template <bool kRound, class D, class V = hn::Vec<D>>
+HWY_INLINE V GreenHigh(D d, V cb, V cr) {
   const D32Of<D> d32;
   const auto coefs = Coefs(d32, -ref::kGCb, 65536 - ref::kGCr);
-  auto half = [&](V32Of<D> pairs) { return Shr<16>(d32, MulPairs(d32, pairs, coefs), ref::kHalf); };
-  return hn::Sub(Join(d, half(hn::ZipLower(d32, dcb, dcr)), half(hn::ZipUpper(d32, dcb, dcr))),
-                 dcr);
+  auto half = [&](V32Of<D> pairs) {
+    return Shr<16>(d32, MulPairs(d32, pairs, coefs), kRound ? ref::kHalf : 0);
+  };
+  return hn::Sub(Join(d, half(hn::ZipLower(d32, cb, cr)), half(hn::ZipUpper(d32, cb, cr))), cr);
 }
 
-// MCU decoder: (c x) >> 16 with the 32-bit product of any 16-bit x wrapping as in
-// the scalar kernels, for the three colours.
+// MCU decoder: (c x) >> 16 for the three colours, where the scalar kernels form the
+// 32-bit product of any 16-bit x, wrapping. The wrapped product differs from the
+// exact one by a multiple of 2^32, so its high half differs by a multiple of 2^16:
+// the two agree in 16-bit lanes, and the 16-bit forms above are exact for every x.
 template <class D>
 struct Terms {
   hn::Vec<D> r, g, b;
 };
 template <class D, class V = hn::Vec<D>>
-HWY_INLINE Terms<D> WrappedTerms(D d16, V cb, V cr) {
-  const D32Of<D> d;
-  auto half = [&](V32Of<D> b32, V32Of<D> r32) {
-    const auto r = hn::Mul(r32, hn::Set(d, ref::kRCr));
-    const auto g =
-        hn::Add(hn::Mul(b32, hn::Set(d, -ref::kGCb)), hn::Mul(r32, hn::Set(d, -ref::kGCr)));
-    const auto b = hn::Mul(b32, hn::Set(d, ref::kBCb));
-    return std::array<V32Of<D>, 3>{hn::ShiftRight<16>(r), hn::ShiftRight<16>(g),
-                                   hn::ShiftRight<16>(b)};
-  };
-  const auto lo = half(Lo32(d16, cb), Lo32(d16, cr)), hi = half(Hi32(d16, cb), Hi32(d16, cr));
-  return {Narrow(d16, lo[0], hi[0]), Narrow(d16, lo[1], hi[1]), Narrow(d16, lo[2], hi[2])};
+HWY_INLINE Terms<D> McuTerms(D d, V cb, V cr) {
+  return {ProductHigh<ref::kRCr, false>(d, cr), GreenHigh<false>(d, cb, cr),
+          ProductHigh<ref::kBCb, false>(d, cb)};
 }
 
 // ---- Pixel layouts ----
@@ -355,9 +350,9 @@ void DecodeRowSimd(const typename In::T* const* src, typename Out::T* const* dst
   for (; x + lanes <= width; x += lanes) {
     const Px<DRow> p = In::Load(d, src, x);
     const auto dcb = hn::Sub(p.c1, k128), dcr = hn::Sub(p.c2, k128);
-    auto r = hn::Add(p.c0, RoundedTerm<ref::kRCr>(d, dcr));
-    auto g = hn::Add(p.c0, RoundedGreenTerm(d, dcb, dcr));
-    auto b = hn::Add(p.c0, RoundedTerm<ref::kBCb>(d, dcb));
+    auto r = hn::Add(p.c0, ProductHigh<ref::kRCr, true>(d, dcr));
+    auto g = hn::Add(p.c0, GreenHigh<true>(d, dcb, dcr));
+    auto b = hn::Add(p.c0, ProductHigh<ref::kBCb, true>(d, dcb));
     if constexpr (kInk == Ink::kComplement) {
       // The complements of the clamped values.
       auto ink = [&](hn::Vec<DRow> v) {

@@ -32,7 +32,9 @@ namespace hn = hwy::HWY_NAMESPACE;
 // geometry G (8 pixels per block row, blocks left to right).
 template <class G, class D>
 HWY_INLINE void StoreFull(D d, hn::Vec<D> v, Kro16s* base, int x, int y) {
-  if constexpr (hn::MaxLanes(D()) == 16) {
+  if constexpr (G::kWidth == 8) {  // one or two whole rows of the block
+    hn::StoreU(v, d, base + 8 * y);
+  } else if constexpr (hn::MaxLanes(D()) == 16) {
     const hn::Half<D> dh;
     hn::StoreU(hn::LowerHalf(dh, v), dh, base + G::FullIndex(x, y));
     hn::StoreU(hn::UpperHalf(dh, v), dh, base + G::FullIndex(x + 8, y));
@@ -42,12 +44,52 @@ HWY_INLINE void StoreFull(D d, hn::Vec<D> v, Kro16s* base, int x, int y) {
 }
 template <class G, class D>
 HWY_INLINE hn::Vec<D> LoadFull(D d, const Kro16s* base, int x, int y) {
-  if constexpr (hn::MaxLanes(D()) == 16) {
+  if constexpr (G::kWidth == 8) {
+    return hn::LoadU(d, base + 8 * y);
+  } else if constexpr (hn::MaxLanes(D()) == 16) {
     const hn::Half<D> dh;
     return hn::Combine(d, hn::LoadU(dh, base + G::FullIndex(x + 8, y)),
                        hn::LoadU(dh, base + G::FullIndex(x, y)));
   } else {
     return hn::LoadU(d, base + G::FullIndex(x, y));
+  }
+}
+
+// The 16-bit tag of an MCU kernel: one MCU row of 16 pixels, or of 8 pixels; where
+// vectors hold 16 lanes, an 8-pixel (444) MCU goes two rows at a time.
+using McuTag = hn::CappedTag<int16_t, 16>;
+template <class G>
+inline constexpr int kMcuRows =
+    hn::MaxLanes(McuTag()) > static_cast<size_t>(G::kWidth) ? 2 : 1;
+
+// Pixels x.. of MCU row y (and of row y + 1 in the upper lanes when kRows is 2).
+template <int kRows, class In, class D>
+HWY_INLINE Px<D> LoadPixels(D d, const typename In::T* src, int step, int x, int y) {
+  const typename In::T* row = RowPtr(src, step, y);
+  if constexpr (kRows == 1) {
+    return In::Load(d, &row, x);
+  } else {
+    const hn::Half<D> dh;
+    const typename In::T* next = RowPtr(src, step, y + 1);
+    const Px<hn::Half<D>> a = In::Load(dh, &row, x), b = In::Load(dh, &next, x);
+    return {hn::Combine(d, b.c0, a.c0), hn::Combine(d, b.c1, a.c1), hn::Combine(d, b.c2, a.c2),
+            hn::Combine(d, b.k, a.k)};
+  }
+}
+template <int kRows, class Out, class D>
+HWY_INLINE void StorePixels(D d, const Px<D>& p, typename Out::T* dst, int step, int x, int y) {
+  typename Out::T* row = RowPtr(dst, step, y);
+  if constexpr (kRows == 1) {
+    Out::Store(d, &row, x, p);
+  } else {
+    const hn::Half<D> dh;
+    typename Out::T* next = RowPtr(dst, step, y + 1);
+    Out::Store(dh, &row, x,
+               {hn::LowerHalf(dh, p.c0), hn::LowerHalf(dh, p.c1), hn::LowerHalf(dh, p.c2),
+                hn::LowerHalf(dh, p.k)});
+    Out::Store(dh, &next, x,
+               {hn::UpperHalf(dh, p.c0), hn::UpperHalf(dh, p.c1), hn::UpperHalf(dh, p.c2),
+                hn::UpperHalf(dh, p.k)});
   }
 }
 
@@ -74,20 +116,20 @@ HWY_INLINE hn::Vec<D> LoadTwice(D d, const Kro16s* p) {
 // One MCU of pixels -> level-shifted blocks, as EncodeMcuBlocks.
 template <class G, class In, McuKind kKind>
 void EncodeMcuSimd(const typename In::T* src, int step, Kro16s* const* dst) {
-  using D = hn::CappedTag<int16_t, G::kWidth>;
+  using D = McuTag;
+  constexpr int kRows = kMcuRows<G>;
   const D d;
   const D32Of<D> d32;
   const hn::Half<D> dh;
   using V = hn::Vec<D>;
   constexpr int kLanes = static_cast<int>(hn::MaxLanes(d));
   const V k128 = hn::Set(d, 128), k255 = hn::Set(d, 255);
-  for (int cy = 0; cy < 8; ++cy) {
-    for (int x = 0; x < G::kWidth; x += kLanes) {
+  for (int cy = 0; cy < 8; cy += kRows) {
+    for (int x = 0; x < G::kWidth; x += kLanes / kRows) {
       V sum_r = hn::Zero(d), sum_g = sum_r, sum_b = sum_r;
       for (int dy = 0; dy < (1 << G::kShiftY); ++dy) {
         const int y = (cy << G::kShiftY) + dy;
-        const typename In::T* row = RowPtr(src, step, y);
-        Px<D> p = In::Load(d, &row, x);
+        Px<D> p = LoadPixels<kRows, In>(d, src, step, x, y);
         if constexpr (kKind == McuKind::kNone) {
           StoreFull<G>(d, hn::Sub(p.c0, k128), dst[0], x, y);
         } else {
@@ -136,13 +178,14 @@ void EncodeMcuSimd(const typename In::T* src, int step, Kro16s* const* dst) {
 // Level-shifted blocks -> one MCU of pixels, as DecodeMcuBlocks.
 template <class G, class Out, McuKind kKind>
 void DecodeMcuSimd(const Kro16s* const* src, typename Out::T* dst, int step) {
-  using D = hn::CappedTag<int16_t, G::kWidth>;
+  using D = McuTag;
+  constexpr int kRows = kMcuRows<G>;
   const D d;
   using V = hn::Vec<D>;
   constexpr int kLanes = static_cast<int>(hn::MaxLanes(d));
   const V k128 = hn::Set(d, 128), k255 = hn::Set(d, 255), zero = hn::Zero(d);
-  for (int cy = 0; cy < 8; ++cy) {
-    for (int x = 0; x < G::kWidth; x += kLanes) {
+  for (int cy = 0; cy < 8; cy += kRows) {
+    for (int x = 0; x < G::kWidth; x += kLanes / kRows) {
       const int c = 8 * cy + (x >> G::kShiftX);
       V cb, cr;
       if constexpr (G::kShiftX == 0) {
@@ -151,10 +194,9 @@ void DecodeMcuSimd(const Kro16s* const* src, typename Out::T* dst, int step) {
         cb = LoadTwice(d, src[1] + c), cr = LoadTwice(d, src[2] + c);
       }
       Terms<D> t{zero, zero, zero};
-      if constexpr (kKind != McuKind::kNone) t = WrappedTerms(d, cb, cr);
+      if constexpr (kKind != McuKind::kNone) t = McuTerms(d, cb, cr);
       for (int dy = 0; dy < (1 << G::kShiftY); ++dy) {
         const int y = (cy << G::kShiftY) + dy;
-        typename Out::T* row = RowPtr(dst, step, y);
         const V luma = LoadFull<G>(d, src[0], x, y);
         Px<D> p;
         if constexpr (kKind == McuKind::kNone) {
@@ -170,7 +212,7 @@ void DecodeMcuSimd(const Kro16s* const* src, typename Out::T* dst, int step) {
           const V k = hn::And(hn::Add(LoadFull<G>(d, src[3], x, y), k128), hn::Set(d, 255));
           p = {ink(p.c0), ink(p.c1), ink(p.c2), k};  // K wraps, never clamped
         }
-        Out::Store(d, &row, x, p);
+        StorePixels<kRows, Out>(d, p, dst, step, x, y);
       }
     }
   }

@@ -27,7 +27,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 #if HWY_TARGET != HWY_SCALAR
 
 namespace sampling {
-using DW = hn::CappedTag<uint16_t, 16>;  // one output sample per lane
+using DW = hn::ScalableTag<uint16_t>;  // one output sample per lane
 using DB = hn::Rebind<uint8_t, DW>;      // the same samples as bytes
 using DP = hn::Repartition<uint8_t, DW>;  // two source bytes per output lane
 using VW = hn::Vec<DW>;
