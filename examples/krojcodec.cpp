@@ -89,7 +89,8 @@ Format Sniff(const std::vector<uint8_t>& b) {
   return Format::kUnknown;
 }
 
-bool Decode(const std::vector<uint8_t>& bytes, const JpegDecodeOptions& options, Image* img, std::string* error) {
+bool Decode(const std::vector<uint8_t>& bytes, const JpegDecodeOptions& options, Image* img,
+            std::string* error) {
   switch (Sniff(bytes)) {
     case Format::kJpeg:
       return DecodeJpeg(bytes.data(), bytes.size(), img, error, options);
@@ -109,7 +110,8 @@ Image ForOutput(const Image& img, const std::string& path) {
   rgb.height = img.height;
   rgb.channels = 3;
   rgb.pixels.resize(img.pixels.size() * 3);
-  for (size_t i = 0; i < img.pixels.size(); ++i) rgb.pixels[3 * i] = rgb.pixels[3 * i + 1] = rgb.pixels[3 * i + 2] = img.pixels[i];
+  for (size_t i = 0; i < img.pixels.size(); ++i)
+    rgb.pixels[3 * i] = rgb.pixels[3 * i + 1] = rgb.pixels[3 * i + 2] = img.pixels[i];
   return rgb;
 }
 
@@ -133,11 +135,16 @@ int Encode(int argc, char** argv) {
       bad = need(val && ParseInt(val, 1, 100, &jpeg.quality)), ++i, jpeg_option = true;
     } else if (opt == "--subsampling") {
       const std::string s = val ? val : "";
-      if (s == "444") jpeg.sampling = ChromaSampling::k444;
-      else if (s == "422") jpeg.sampling = ChromaSampling::k422;
-      else if (s == "420") jpeg.sampling = ChromaSampling::k420;
-      else if (s == "grey" || s == "gray") jpeg.sampling = ChromaSampling::kGrey;
-      else bad = Usage("--subsampling takes 444, 422, 420 or grey");
+      if (s == "444")
+        jpeg.sampling = ChromaSampling::k444;
+      else if (s == "422")
+        jpeg.sampling = ChromaSampling::k422;
+      else if (s == "420")
+        jpeg.sampling = ChromaSampling::k420;
+      else if (s == "grey" || s == "gray")
+        jpeg.sampling = ChromaSampling::kGrey;
+      else
+        bad = Usage("--subsampling takes 444, 422, 420 or grey");
       ++i, jpeg_option = true;
     } else if (opt == "--optimize" || opt == "--optimise") {
       jpeg.optimize = jpeg_option = true;
@@ -176,11 +183,12 @@ int Encode(int argc, char** argv) {
   Image img;
   if (!ReadImage(in, &img, &error)) return Error(error);
   std::vector<uint8_t> bytes;
-  const bool ok = to_jpeg ? EncodeJpeg(img, jpeg, &bytes, &error) : EncodeJ2k(img, j2k, &bytes, &error);
+  const bool ok =
+      to_jpeg ? EncodeJpeg(img, jpeg, &bytes, &error) : EncodeJ2k(img, j2k, &bytes, &error);
   if (!ok) return Error("cannot encode " + in + ": " + error);
   if (!WriteFileBytes(out, bytes.data(), bytes.size(), &error)) return Error(error);
-  printf("%s: %d x %d, %zu bytes, %.3f bits per pixel\n", out.c_str(), img.width, img.height, bytes.size(),
-         8.0 * bytes.size() / (double(img.width) * img.height));
+  printf("%s: %d x %d, %zu bytes, %.3f bits per pixel\n", out.c_str(), img.width, img.height,
+         bytes.size(), 8.0 * bytes.size() / (double(img.width) * img.height));
   return 0;
 }
 
@@ -195,14 +203,16 @@ int DecodeCommand(int argc, char** argv) {
       return Usage(std::string("unknown option ") + argv[i]);
   }
   const std::string ext = Extension(out);
-  if (ext != "ppm" && ext != "pgm" && ext != "pnm" && ext != "png") return Usage("the output must end in .ppm, .pgm or .png");
+  if (ext != "ppm" && ext != "pgm" && ext != "pnm" && ext != "png")
+    return Usage("the output must end in .ppm, .pgm or .png");
   std::string error;
   std::vector<uint8_t> bytes;
   if (!ReadFileBytes(in, &bytes, &error)) return Error(error);
   Image img;
   if (!Decode(bytes, options, &img, &error)) return Error("cannot decode " + in + ": " + error);
   if (!WriteImage(out, ForOutput(img, out), &error)) return Error(error);
-  printf("%s: %d x %d, %s\n", out.c_str(), img.width, img.height, img.channels == 1 ? "grey" : "RGB");
+  printf("%s: %d x %d, %s\n", out.c_str(), img.width, img.height,
+         img.channels == 1 ? "grey" : "RGB");
   return 0;
 }
 
@@ -237,8 +247,8 @@ Image Luminance(const Image& img) {
   grey.height = img.height;
   grey.channels = 1;
   grey.pixels.resize(static_cast<size_t>(img.width) * img.height);
-  kroiRGBToY_JPEG_8u_C3C1R(img.pixels.data(), static_cast<int>(img.row_bytes()), grey.pixels.data(), img.width,
-                           {img.width, img.height});
+  kroiRGBToY_JPEG_8u_C3C1R(img.pixels.data(), static_cast<int>(img.row_bytes()), grey.pixels.data(),
+                           img.width, {img.width, img.height});
   return grey;
 }
 
@@ -265,10 +275,14 @@ struct DemoMode {
 
 std::vector<DemoMode> DemoModes() {
   auto jpeg = [](JpegEncodeOptions o) {
-    return [o](const Image& img, std::vector<uint8_t>* out, std::string* err) { return EncodeJpeg(img, o, out, err); };
+    return [o](const Image& img, std::vector<uint8_t>* out, std::string* err) {
+      return EncodeJpeg(img, o, out, err);
+    };
   };
   auto j2k = [](J2kEncodeOptions o) {
-    return [o](const Image& img, std::vector<uint8_t>* out, std::string* err) { return EncodeJ2k(img, o, out, err); };
+    return [o](const Image& img, std::vector<uint8_t>* out, std::string* err) {
+      return EncodeJ2k(img, o, out, err);
+    };
   };
   JpegEncodeOptions base;
   base.quality = 90;
@@ -298,12 +312,14 @@ int Demo(int argc, char** argv) {
   for (int i = 0; i < argc; ++i) {
     if (strcmp(argv[i], "--out") == 0 && i + 1 < argc)
       dir = argv[++i];
-    else if (strcmp(argv[i], "--threads") == 0 && i + 1 < argc && ParseInt(argv[i + 1], 1, 256, &threads_omp_of_n_kro))
+    else if (strcmp(argv[i], "--threads") == 0 && i + 1 < argc &&
+             ParseInt(argv[i + 1], 1, 256, &threads_omp_of_n_kro))
       ++i;
     else
       return Usage(std::string("unknown demo option ") + argv[i]);
   }
-  if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) return Error("cannot create " + dir + ": " + strerror(errno));
+  if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST)
+    return Error("cannot create " + dir + ": " + strerror(errno));
 
   std::string error;
   Image original;
@@ -314,9 +330,10 @@ int Demo(int argc, char** argv) {
   }
   const Image grey_original = Luminance(original);
   const double mpix = original.width * double(original.height) / 1e6;
-  printf("libkrojmx %s demo: %s (%d x %d)\n\n", krojGetLibVersion()->version, source.c_str(), original.width,
-         original.height);
-  printf("%-30s %-24s %9s %7s %9s %9s %9s\n", "mode", "file", "bytes", "bpp", "PSNR dB", "enc MP/s", "dec MP/s");
+  printf("libkrojmx %s demo: %s (%d x %d)\n\n", krojGetLibVersion()->version, source.c_str(),
+         original.width, original.height);
+  printf("%-30s %-24s %9s %7s %9s %9s %9s\n", "mode", "file", "bytes", "bpp", "PSNR dB", "enc MP/s",
+         "dec MP/s");
 
   std::vector<std::string> notes;
   int failures = 0;
@@ -326,17 +343,19 @@ int Demo(int argc, char** argv) {
     Image decoded;
     const double t_enc = TimeIt([&] { return mode.encode(original, &bytes, &error); });
     if (t_enc < 0) {
-      printf("%-30s %-24s %9s %7s %9s %9s %9s\n", mode.name, "-", "n/a", "n/a", "n/a", "n/a", "n/a");
+      printf("%-30s %-24s %9s %7s %9s %9s %9s\n", mode.name, "-", "n/a", "n/a", "n/a", "n/a",
+             "n/a");
       notes.push_back(std::string(mode.name) + ": " + error);
       continue;
     }
     const std::string path = dir + "/" + mode.file;
     if (!WriteFileBytes(path, bytes.data(), bytes.size(), &error)) return Error(error);
-    const double t_dec = TimeIt([&] { return Decode(bytes, JpegDecodeOptions(), &decoded, &error); });
+    const double t_dec =
+        TimeIt([&] { return Decode(bytes, JpegDecodeOptions(), &decoded, &error); });
     const double bpp = 8.0 * bytes.size() / (original.width * double(original.height));
     if (t_dec < 0) {
-      printf("%-30s %-24s %9zu %7.3f %9s %9.1f %9s\n", mode.name, mode.file, bytes.size(), bpp, "n/a", mpix / t_enc,
-             "n/a");
+      printf("%-30s %-24s %9zu %7.3f %9s %9.1f %9s\n", mode.name, mode.file, bytes.size(), bpp,
+             "n/a", mpix / t_enc, "n/a");
       notes.push_back(std::string(mode.name) + ": decoding failed: " + error);
       ++failures;
       continue;
@@ -347,15 +366,18 @@ int Demo(int argc, char** argv) {
       snprintf(psnr_text, sizeof(psnr_text), "exact");
     else
       snprintf(psnr_text, sizeof(psnr_text), "%.2f", psnr);
-    printf("%-30s %-24s %9zu %7.3f %9s %9.1f %9.1f\n", mode.name, mode.file, bytes.size(), bpp, psnr_text,
-           mpix / t_enc, mpix / t_dec);
-    const std::string view = path + (PngAvailable() ? ".png" : decoded.channels == 1 ? ".pgm" : ".ppm");
+    printf("%-30s %-24s %9zu %7.3f %9s %9.1f %9.1f\n", mode.name, mode.file, bytes.size(), bpp,
+           psnr_text, mpix / t_enc, mpix / t_dec);
+    const std::string view = path + (PngAvailable()          ? ".png"
+                                     : decoded.channels == 1 ? ".pgm"
+                                                             : ".ppm");
     if (!WriteImage(view, decoded, &error)) return Error(error);
   }
-  printf("\nPSNR against the original (the greyscale row against its luminance); \"exact\" means\n"
-         "identical pixels. Speeds are the best of several runs on this machine.\n"
-         "Files, and each decoded image beside them, are in %s/.\n",
-         dir.c_str());
+  printf(
+      "\nPSNR against the original (the greyscale row against its luminance); \"exact\" means\n"
+      "identical pixels. Speeds are the best of several runs on this machine.\n"
+      "Files, and each decoded image beside them, are in %s/.\n",
+      dir.c_str());
   for (const std::string& n : notes) printf("n/a: %s\n", n.c_str());
   return failures ? 1 : 0;
 }

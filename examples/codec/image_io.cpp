@@ -145,12 +145,13 @@ bool DecodePng(const uint8_t* data, size_t size, Image* img, std::string* error)
     png_image_free(&png);
     return Fail(error, "image is too large");
   }
-  if (!Allocate(img, static_cast<int>(png.width), static_cast<int>(png.height), colour ? 3 : 1, error)) {
+  if (!Allocate(img, static_cast<int>(png.width), static_cast<int>(png.height), colour ? 3 : 1,
+                error)) {
     png_image_free(&png);
     return false;
   }
-  if (!png_image_finish_read(&png, nullptr, img->pixels.data(), static_cast<png_int_32>(img->row_bytes()),
-                             nullptr))
+  if (!png_image_finish_read(&png, nullptr, img->pixels.data(),
+                             static_cast<png_int_32>(img->row_bytes()), nullptr))
     return Fail(error, std::string("cannot decode PNG: ") + png.message);
   return true;
 }
@@ -215,7 +216,9 @@ bool WriteImage(const std::string& path, const Image& img, std::string* error) {
     if (!EncodePng(img, &bytes, error)) return false;
   } else if (ext == "pgm" || ext == "ppm" || ext == "pnm") {
     if ((ext == "pgm" && img.channels != 1) || (ext == "ppm" && img.channels != 3))
-      return Fail(error, path + ": a " + (img.channels == 1 ? "grey image needs .pgm" : "colour image needs .ppm"));
+      return Fail(error,
+                  path + ": a " +
+                      (img.channels == 1 ? "grey image needs .pgm" : "colour image needs .ppm"));
     bytes = EncodePnm(img);
   } else {
     return Fail(error, path + ": unknown image type (use .ppm, .pgm or .png)");

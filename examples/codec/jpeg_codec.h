@@ -28,30 +28,32 @@ enum class ChromaSampling {
 };
 
 struct JpegEncodeOptions {
-  int quality = 90;                          // 1..100, scales the T.81 K.1/K.2 tables
+  int quality = 90;  // 1..100, scales the T.81 K.1/K.2 tables
   ChromaSampling sampling = ChromaSampling::k420;
-  bool optimize = false;                     // Huffman tables from the image's statistics
-  int restart_interval = 0;                  // MCUs between restart markers, 0 for none
-  bool progressive = false;                  // the usual ten-scan (six for grey) script
-  bool colour_planes = false;                // colour and sampling by whole planes
-                                             // (rounded) instead of per MCU (truncated)
-  bool lossless = false;                     // T.81 H: no DCT, exact unless point_transform
-  int predictor = 1;                         // lossless predictor 1..7
-  int point_transform = 0;                   // lossless: low bits dropped, 0..7
+  bool optimize = false;       // Huffman tables from the image's statistics
+  int restart_interval = 0;    // MCUs between restart markers, 0 for none
+  bool progressive = false;    // the usual ten-scan (six for grey) script
+  bool colour_planes = false;  // colour and sampling by whole planes
+                               // (rounded) instead of per MCU (truncated)
+  bool lossless = false;       // T.81 H: no DCT, exact unless point_transform
+  int predictor = 1;           // lossless predictor 1..7
+  int point_transform = 0;     // lossless: low bits dropped, 0..7
 };
 
 // Quantised DCT coefficients of a frame, as they are coded in the file.
 struct JpegComponent {
   int id = 0;
-  int h = 1, v = 1;           // sampling factors
-  int quant_table = 0;        // Tq
-  int width_in_blocks = 0;    // blocks holding image samples
+  int h = 1, v = 1;         // sampling factors
+  int quant_table = 0;      // Tq
+  int width_in_blocks = 0;  // blocks holding image samples
   int height_in_blocks = 0;
-  int blocks_w = 0;           // allocated blocks: rounded up to whole MCUs
+  int blocks_w = 0;  // allocated blocks: rounded up to whole MCUs
   int blocks_h = 0;
   std::vector<int16_t> coef;  // blocks_w * blocks_h blocks of 64, natural order
 
-  int16_t* block(int bx, int by) { return coef.data() + (static_cast<size_t>(by) * blocks_w + bx) * 64; }
+  int16_t* block(int bx, int by) {
+    return coef.data() + (static_cast<size_t>(by) * blocks_w + bx) * 64;
+  }
   const int16_t* block(int bx, int by) const {
     return coef.data() + (static_cast<size_t>(by) * blocks_w + bx) * 64;
   }
@@ -61,8 +63,8 @@ struct JpegCoefficients {
   int width = 0, height = 0;
   int max_h = 1, max_v = 1;
   bool progressive = false;
-  bool ycbcr = true;                  // three components in YCbCr (else RGB)
-  uint16_t quant[4][64] = {};         // quantisation steps, natural order
+  bool ycbcr = true;           // three components in YCbCr (else RGB)
+  uint16_t quant[4][64] = {};  // quantisation steps, natural order
   std::vector<JpegComponent> components;
 };
 

@@ -21,6 +21,11 @@ namespace krojcodec {
 
 namespace {
 
+bool Fail(std::string* error, const std::string& message) {
+  *error = message;
+  return false;
+}
+
 int Be16(const uint8_t* p) { return p[0] << 8 | p[1]; }
 
 std::string Hex(int marker) {
@@ -42,7 +47,8 @@ struct ScanHeader {
 class JpegParser {
  public:
   JpegParser(const uint8_t* data, size_t size, std::string* error) : data_(data), error_(error) {
-    size_ = size > static_cast<size_t>(std::numeric_limits<int>::max()) ? -1 : static_cast<int>(size);
+    size_ =
+        size > static_cast<size_t>(std::numeric_limits<int>::max()) ? -1 : static_cast<int>(size);
   }
 
   bool Run();
@@ -53,10 +59,7 @@ class JpegParser {
   bool quant_defined[4] = {};
 
  private:
-  bool Fail(const std::string& message) {
-    *error_ = message;
-    return false;
-  }
+  bool Fail(const std::string& message) { return krojcodec::Fail(error_, message); }
   bool NextMarker(int* code);
   bool ParseFrame(int code, const uint8_t* p, int n);
   bool ParseHuffmanTables(const uint8_t* p, int n);
@@ -82,17 +85,21 @@ class JpegParser {
 
 bool JpegParser::Run() {
   if (size_ < 0) return Fail("file is too large");
-  if (size_ < 4 || data_[0] != 0xFF || data_[1] != kSOI) return Fail("not a JPEG file (no start-of-image marker)");
+  if (size_ < 4 || data_[0] != 0xFF || data_[1] != kSOI)
+    return Fail("not a JPEG file (no start-of-image marker)");
   pos_ = 2;
   for (;;) {
     int code;
-    if (!NextMarker(&code)) return Fail("the file ends before the end-of-image marker (truncated?)");
+    if (!NextMarker(&code))
+      return Fail("the file ends before the end-of-image marker (truncated?)");
     if (code == kEOI) break;
-    if ((code >= kRST0 && code <= kRST0 + 7) || code == 0x01) continue;  // stray RSTn, TEM: no segment
+    if ((code >= kRST0 && code <= kRST0 + 7) || code == 0x01)
+      continue;  // stray RSTn, TEM: no segment
     if (code == kSOI) return Fail("a second start-of-image marker inside the file");
     if (pos_ + 2 > size_) return Fail("the file ends inside a marker segment");
     const int len = Be16(data_ + pos_);
-    if (len < 2 || pos_ + len > size_) return Fail("marker segment " + Hex(code) + " runs past the end of the file");
+    if (len < 2 || pos_ + len > size_)
+      return Fail("marker segment " + Hex(code) + " runs past the end of the file");
     const uint8_t* p = data_ + pos_ + 2;
     const int n = len - 2;
     pos_ += len;
@@ -104,9 +111,16 @@ bool JpegParser::Run() {
       case kSOF3:
         ok = ParseFrame(code, p, n);
         break;
-      case 0xC5: case 0xC6: case 0xC7: case 0xCD: case 0xCE: case 0xCF:
+      case 0xC5:
+      case 0xC6:
+      case 0xC7:
+      case 0xCD:
+      case 0xCE:
+      case 0xCF:
         return Fail("hierarchical JPEG files are not supported");
-      case 0xC9: case 0xCA: case 0xCB:
+      case 0xC9:
+      case 0xCA:
+      case 0xCB:
         return Fail("arithmetic-coded JPEG files are not supported");
       case kDHT:
         ok = ParseHuffmanTables(p, n);
@@ -173,13 +187,16 @@ bool JpegParser::ParseFrame(int code, const uint8_t* p, int n) {
   frame_code_ = code;
   lossless = code == kSOF3;
   frame.progressive = code == kSOF2;
-  if (p[0] != 8) return Fail(std::to_string(p[0]) + "-bit JPEG files are not supported (only 8-bit samples)");
+  if (p[0] != 8)
+    return Fail(std::to_string(p[0]) + "-bit JPEG files are not supported (only 8-bit samples)");
   frame.height = Be16(p + 1);
   frame.width = Be16(p + 3);
-  if (frame.height == 0) return Fail("image heights defined after the first scan (DNL) are not supported");
+  if (frame.height == 0)
+    return Fail("image heights defined after the first scan (DNL) are not supported");
   if (frame.width == 0) return Fail("the frame header gives a width of 0");
   const int count = p[5];
-  if (count < 1 || count > 4) return Fail("JPEG files with " + std::to_string(count) + " components are not supported");
+  if (count < 1 || count > 4)
+    return Fail("JPEG files with " + std::to_string(count) + " components are not supported");
   frame.components.resize(count);
   for (int i = 0; i < count; ++i) {
     JpegComponent& c = frame.components[i];
@@ -187,16 +204,19 @@ bool JpegParser::ParseFrame(int code, const uint8_t* p, int n) {
     c.h = p[7 + 3 * i] >> 4;
     c.v = p[7 + 3 * i] & 15;
     c.quant_table = p[8 + 3 * i];
-    if (c.h < 1 || c.h > 4 || c.v < 1 || c.v > 4) return Fail("invalid sampling factors in the frame header");
+    if (c.h < 1 || c.h > 4 || c.v < 1 || c.v > 4)
+      return Fail("invalid sampling factors in the frame header");
     if (c.quant_table > 3) return Fail("invalid quantisation table number in the frame header");
     for (int j = 0; j < i; ++j)
       if (frame.components[j].id == c.id) return Fail("two components share one identifier");
-    if (lossless && (c.h != 1 || c.v != 1)) return Fail("sub-sampled lossless JPEG files are not supported");
+    if (lossless && (c.h != 1 || c.v != 1))
+      return Fail("sub-sampled lossless JPEG files are not supported");
   }
   // Refuse absurd sizes before allocating: every MCU codes at least one bit, so a file
   // of this size cannot describe more MCUs than it has bits.
   if (int64_t{frame.width} * frame.height > kMaxJpegPixels)
-    return Fail("the image is too large (" + std::to_string(frame.width) + " x " + std::to_string(frame.height) + ")");
+    return Fail("the image is too large (" + std::to_string(frame.width) + " x " +
+                std::to_string(frame.height) + ")");
   int max_h = 1, max_v = 1;
   for (const JpegComponent& c : frame.components) {
     max_h = std::max(max_h, c.h);
@@ -206,11 +226,12 @@ bool JpegParser::ParseFrame(int code, const uint8_t* p, int n) {
                                 : int64_t{(frame.width + 8 * max_h - 1) / (8 * max_h)} *
                                       ((frame.height + 8 * max_v - 1) / (8 * max_v));
   if (mcus > int64_t{size_} * 8)
-    return Fail("the frame header claims " + std::to_string(frame.width) + " x " + std::to_string(frame.height) +
-                " pixels, more than the file can hold");
+    return Fail("the frame header claims " + std::to_string(frame.width) + " x " +
+                std::to_string(frame.height) + " pixels, more than the file can hold");
   if (lossless) {
     frame.max_h = frame.max_v = 1;
-    lossless_planes.assign(count, std::vector<uint8_t>(static_cast<size_t>(frame.width) * frame.height));
+    lossless_planes.assign(count,
+                           std::vector<uint8_t>(static_cast<size_t>(frame.width) * frame.height));
   } else {
     SetGeometry(&frame);
   }
@@ -240,7 +261,8 @@ bool JpegParser::ParseQuantTables(const uint8_t* p, int n) {
   while (n > 0) {
     const int precision = p[0] >> 4, id = p[0] & 15;
     const int bytes = precision == 0 ? 64 : 128;
-    if (precision > 1 || id > 3 || n < 1 + bytes) return Fail("malformed quantisation table (DQT) segment");
+    if (precision > 1 || id > 3 || n < 1 + bytes)
+      return Fail("malformed quantisation table (DQT) segment");
     if (precision == 0) {
       // Steps arrive in zig-zag order; the working table is in natural order.
       kroiQuantInvTableInit_JPEG_8u16u(p + 1, frame.quant[id]);
@@ -263,7 +285,8 @@ bool JpegParser::ParseQuantTables(const uint8_t* p, int n) {
 
 bool JpegParser::ParseScanHeader(const uint8_t* p, int n, ScanHeader* scan) {
   if (frame_code_ == 0) return Fail("a scan comes before the frame header");
-  if (n < 1 || p[0] < 1 || p[0] > 4 || n != 4 + 2 * p[0]) return Fail("malformed scan header (SOS)");
+  if (n < 1 || p[0] < 1 || p[0] > 4 || n != 4 + 2 * p[0])
+    return Fail("malformed scan header (SOS)");
   const int count = p[0];
   int blocks = 0;
   for (int k = 0; k < count; ++k) {
@@ -272,12 +295,14 @@ bool JpegParser::ParseScanHeader(const uint8_t* p, int n, ScanHeader* scan) {
     for (size_t c = 0; c < frame.components.size(); ++c)
       if (frame.components[c].id == id) index = static_cast<int>(c);
     if (index < 0) return Fail("a scan names a component the frame does not have");
-    if (std::find(scan->components.begin(), scan->components.end(), index) != scan->components.end())
+    if (std::find(scan->components.begin(), scan->components.end(), index) !=
+        scan->components.end())
       return Fail("a scan names one component twice");
     scan->components.push_back(index);
     scan->dc_table[k] = p[2 + 2 * k] >> 4;
     scan->ac_table[k] = p[2 + 2 * k] & 15;
-    if (scan->dc_table[k] > 3 || scan->ac_table[k] > 3) return Fail("invalid Huffman table number in a scan");
+    if (scan->dc_table[k] > 3 || scan->ac_table[k] > 3)
+      return Fail("invalid Huffman table number in a scan");
     blocks += frame.components[index].h * frame.components[index].v;
   }
   if (count > 1 && blocks > 10) return Fail("an interleaved scan has more than 10 blocks per MCU");
@@ -289,7 +314,8 @@ bool JpegParser::ParseScanHeader(const uint8_t* p, int n, ScanHeader* scan) {
 
   bool needs_dc = false, needs_ac = false;
   if (lossless) {
-    if (scan->ss < 1 || scan->ss > 7 || scan->al > 7) return Fail("invalid predictor or point transform in a lossless scan");
+    if (scan->ss < 1 || scan->ss > 7 || scan->al > 7)
+      return Fail("invalid predictor or point transform in a lossless scan");
     scan->kind = ScanKind::kLossless;
     needs_dc = true;
   } else if (!frame.progressive) {
@@ -298,10 +324,11 @@ bool JpegParser::ParseScanHeader(const uint8_t* p, int n, ScanHeader* scan) {
     scan->kind = ScanKind::kSequential;
     needs_dc = needs_ac = true;
   } else {
-    const bool valid = scan->ss <= scan->se && scan->se <= 63 && (scan->ss == 0) == (scan->se == 0) &&
-                       (scan->ss == 0 || count == 1) && scan->al <= 13 &&
-                       (scan->ah == 0 || scan->ah == scan->al + 1);
-    if (!valid) return Fail("invalid spectral selection or successive approximation in a progressive scan");
+    const bool valid = scan->ss <= scan->se && scan->se <= 63 &&
+                       (scan->ss == 0) == (scan->se == 0) && (scan->ss == 0 || count == 1) &&
+                       scan->al <= 13 && (scan->ah == 0 || scan->ah == scan->al + 1);
+    if (!valid)
+      return Fail("invalid spectral selection or successive approximation in a progressive scan");
     if (scan->ss == 0) {
       scan->kind = scan->ah == 0 ? ScanKind::kDcFirst : ScanKind::kDcRefine;
       needs_dc = scan->ah == 0;
@@ -328,7 +355,8 @@ bool JpegParser::NextRestart(int* pos, int* marker, KroiDecodeHuffmanState* stat
     *pos = p + 2;
   }
   if (*marker < kRST0 || *marker > kRST0 + 7)
-    return Fail("expected a restart marker, found " + Hex(*marker) + " (corrupt or truncated scan)");
+    return Fail("expected a restart marker, found " + Hex(*marker) +
+                " (corrupt or truncated scan)");
   *marker = 0;
   kroiDecodeHuffmanStateInit_JPEG_8u(state);  // also ends any end-of-band run
   return true;
@@ -357,19 +385,24 @@ bool JpegParser::DecodeScan(const ScanHeader& scan) {
       [&](int k, int16_t* b) {
         switch (scan.kind) {
           case ScanKind::kSequential:
-            status = kroiDecodeHuffman8x8_JPEG_1u16s_C1(data_, size_, &pos, b, &last_dc[k], &marker, dc[k], ac[k], st);
+            status = kroiDecodeHuffman8x8_JPEG_1u16s_C1(data_, size_, &pos, b, &last_dc[k], &marker,
+                                                        dc[k], ac[k], st);
             break;
           case ScanKind::kDcFirst:
-            status = kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(data_, size_, &pos, b, &last_dc[k], &marker, al, dc[k], st);
+            status = kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(data_, size_, &pos, b, &last_dc[k],
+                                                                &marker, al, dc[k], st);
             break;
           case ScanKind::kDcRefine:
-            status = kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, al, st);
+            status =
+                kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, al, st);
             break;
           case ScanKind::kAcFirst:
-            status = kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, ss, se, al, ac[k], st);
+            status = kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, ss,
+                                                                se, al, ac[k], st);
             break;
           case ScanKind::kAcRefine:
-            status = kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, ss, se, al, ac[k], st);
+            status = kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, ss,
+                                                                 se, al, ac[k], st);
             break;
           case ScanKind::kLossless:
             status = kroStatusError;
@@ -383,7 +416,8 @@ bool JpegParser::DecodeScan(const ScanHeader& scan) {
 }
 
 bool JpegParser::DecodeLossless(const ScanHeader& scan) {
-  if (restart_interval_ != 0) return Fail("restart intervals in lossless JPEG files are not supported");
+  if (restart_interval_ != 0)
+    return Fail("restart intervals in lossless JPEG files are not supported");
   LosslessScan ls;
   ls.width = frame.width;
   ls.height = frame.height;
@@ -402,17 +436,12 @@ bool JpegParser::DecodeLossless(const ScanHeader& scan) {
 // ---------------------------------------------------------------------------
 // Reconstruction
 
-bool Fail(std::string* error, const std::string& message) {
-  *error = message;
-  return false;
-}
-
 // Dequantisation, inverse DCT, +128 and clamping (kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R)
 // of the blocks that cover sample rows y0 .. y0 + rows - 1 of a component (y0 a
 // multiple of 8), width samples wide, into dst (the place of row y0). Blocks crossing
 // the right or bottom edge go through a scratch block.
-void InverseTransformRows(const JpegComponent& c, const Kro16u* table, int y0, int rows, int width, uint8_t* dst,
-                          int step) {
+void InverseTransformRows(const JpegComponent& c, const Kro16u* table, int y0, int rows, int width,
+                          uint8_t* dst, int step) {
   alignas(32) uint8_t edge[64];
   for (int r0 = 0; r0 < rows; r0 += 8) {
     const int by = (y0 + r0) / 8, h = std::min(8, rows - r0);
@@ -483,10 +512,11 @@ void ReconstructByStrips(const JpegCoefficients& f, Image* img) {
       if (full[c]) {
         InverseTransformRows(comp, f.quant[comp.quant_table], y0, rows, w, plane[c], w);
       } else if (comp.v == f.max_v) {
-        kroiSampleUpH2V1_JPEG_8u_C1R(small[c].row(y0), small[c].step, {small[c].width, rows}, plane[c], w, {w, rows});
+        kroiSampleUpH2V1_JPEG_8u_C1R(small[c].row(y0), small[c].step, {small[c].width, rows},
+                                     plane[c], w, {w, rows});
       } else {
-        kroiSampleUpH2V2_JPEG_8u_C1R(small[c].row(y0 / 2), small[c].step, {small[c].width, (rows + 1) / 2}, plane[c],
-                                     w, {w, rows});
+        kroiSampleUpH2V2_JPEG_8u_C1R(small[c].row(y0 / 2), small[c].step,
+                                     {small[c].width, (rows + 1) / 2}, plane[c], w, {w, rows});
       }
     }
     if (f.ycbcr) {
@@ -501,15 +531,15 @@ void ReconstructByStrips(const JpegCoefficients& f, Image* img) {
 // 2x2 and both chroma components at 1x1.
 bool McuPathFits(const JpegCoefficients& f) {
   const auto& c = f.components;
-  return f.ycbcr && c[0].h == f.max_h && c[0].v == f.max_v && f.max_h <= 2 && f.max_v <= f.max_h && c[1].h == 1 &&
-         c[1].v == 1 && c[2].h == 1 && c[2].v == 1;
+  return f.ycbcr && c[0].h == f.max_h && c[0].v == f.max_v && f.max_h <= 2 && f.max_v <= f.max_h &&
+         c[1].h == 1 && c[1].v == 1 && c[2].h == 1 && c[2].v == 1;
 }
 
 // Fast path: per MCU, dequantisation + inverse DCT of each block to level-shifted
 // samples (kroiDCTQuantInv8x8_JPEG_16s_C1), then one call that replicates the chroma,
 // converts to RGB and stores the pixels.
 void ReconstructByMcu(const JpegCoefficients& f, Image* img) {
-  using McuConvert = KroStatus (*)(const Kro16s*[3], Kro8u*, int);
+  using McuConvert = KroStatus (*)(const Kro16s* [3], Kro8u*, int);
   const McuConvert convert = f.max_h == 1   ? kroiYCbCr444ToRGBLS_MCU_16s8u_P3C3R
                              : f.max_v == 1 ? kroiYCbCr422ToRGBLS_MCU_16s8u_P3C3R
                                             : kroiYCbCr411ToRGBLS_MCU_16s8u_P3C3R;
@@ -525,8 +555,8 @@ void ReconstructByMcu(const JpegCoefficients& f, Image* img) {
   for (int my = 0; my < McusY(f); ++my) {
     for (int mx = 0; mx < McusX(f); ++mx) {
       for (int b = 0; b < luma_blocks; ++b)
-        kroiDCTQuantInv8x8_JPEG_16s_C1(lum.block(mx * f.max_h + b % f.max_h, my * f.max_v + b / f.max_h), y + 64 * b,
-                                       ql);
+        kroiDCTQuantInv8x8_JPEG_16s_C1(
+            lum.block(mx * f.max_h + b % f.max_h, my * f.max_v + b / f.max_h), y + 64 * b, ql);
       kroiDCTQuantInv8x8_JPEG_16s_C1(f.components[1].block(mx, my), cb, qb);
       kroiDCTQuantInv8x8_JPEG_16s_C1(f.components[2].block(mx, my), cr, qr);
       const int x0 = mx * mcu_w, y0 = my * mcu_h;
@@ -541,10 +571,12 @@ void ReconstructByMcu(const JpegCoefficients& f, Image* img) {
   }
 }
 
-bool Reconstruct(const JpegParser& parser, const JpegDecodeOptions& options, Image* img, std::string* error) {
+bool Reconstruct(const JpegParser& parser, const JpegDecodeOptions& options, Image* img,
+                 std::string* error) {
   const JpegCoefficients& f = parser.frame;
   const int n = static_cast<int>(f.components.size());
-  if (n != 1 && n != 3) return Fail(error, "only grey and three-component JPEG files can be decoded to pixels");
+  if (n != 1 && n != 3)
+    return Fail(error, "only grey and three-component JPEG files can be decoded to pixels");
   img->width = f.width;
   img->height = f.height;
   img->channels = n;
@@ -560,23 +592,26 @@ bool Reconstruct(const JpegParser& parser, const JpegDecodeOptions& options, Ima
       kroiYCbCrToRGB_JPEG_8u_P3C3R(src, f.width, img->pixels.data(), step, {f.width, f.height});
     } else {
       for (int c = 0; c < 3; ++c)
-        kroiCopy_8u_C1C3R(planes[c].data(), f.width, img->pixels.data() + c, step, {f.width, f.height});
+        kroiCopy_8u_C1C3R(planes[c].data(), f.width, img->pixels.data() + c, step,
+                          {f.width, f.height});
     }
     return true;
   }
 
   for (const JpegComponent& c : f.components) {
-    if (!parser.quant_defined[c.quant_table]) return Fail(error, "a component uses an undefined quantisation table");
+    if (!parser.quant_defined[c.quant_table])
+      return Fail(error, "a component uses an undefined quantisation table");
     const bool full = c.h == f.max_h && c.v == f.max_v;
     const bool half = c.h * 2 == f.max_h && (c.v == f.max_v || c.v * 2 == f.max_v);
     if (!full && !half)
-      return Fail(error, "sampling factors " + std::to_string(c.h) + "x" + std::to_string(c.v) + " against " +
-                             std::to_string(f.max_h) + "x" + std::to_string(f.max_v) +
+      return Fail(error, "sampling factors " + std::to_string(c.h) + "x" + std::to_string(c.v) +
+                             " against " + std::to_string(f.max_h) + "x" + std::to_string(f.max_v) +
                              " are not supported (chroma must be full, half width or half size)");
   }
   if (n == 1) {
     const JpegComponent& c = f.components[0];
-    InverseTransformRows(c, f.quant[c.quant_table], 0, f.height, f.width, img->pixels.data(), f.width);
+    InverseTransformRows(c, f.quant[c.quant_table], 0, f.height, f.width, img->pixels.data(),
+                         f.width);
   } else if (options.fast_upsampling && McuPathFits(f)) {
     ReconstructByMcu(f, img);
   } else {
@@ -587,12 +622,14 @@ bool Reconstruct(const JpegParser& parser, const JpegDecodeOptions& options, Ima
 
 }  // namespace
 
-bool DecodeJpeg(const uint8_t* data, size_t size, Image* img, std::string* error, const JpegDecodeOptions& options) {
+bool DecodeJpeg(const uint8_t* data, size_t size, Image* img, std::string* error,
+                const JpegDecodeOptions& options) {
   JpegParser parser(data, size, error);
   return parser.Run() && Reconstruct(parser, options, img, error);
 }
 
-bool ReadJpegCoefficients(const uint8_t* data, size_t size, JpegCoefficients* coefficients, std::string* error) {
+bool ReadJpegCoefficients(const uint8_t* data, size_t size, JpegCoefficients* coefficients,
+                          std::string* error) {
   JpegParser parser(data, size, error);
   if (!parser.Run()) return false;
   if (parser.lossless) return Fail(error, "a lossless JPEG file has no DCT coefficients");

@@ -65,7 +65,7 @@ void MakeQuantTables(int quality, int count, QuantTables* q, JpegCoefficients* f
     for (int i = 0; i < 64; ++i) natural[i] = base[t][i];
     kroiZigzagFwd8x8_16s_C1(natural, zigzag);
     for (int i = 0; i < 64; ++i) q->zigzag[t][i] = static_cast<uint8_t>(zigzag[i]);
-    kroiQuantFwdRawTableInit_JPEG_8u(q->zigzag[t], quality);      // T.81 K.1 scaling
+    kroiQuantFwdRawTableInit_JPEG_8u(q->zigzag[t], quality);        // T.81 K.1 scaling
     kroiQuantFwdTableInit_JPEG_8u16u(q->zigzag[t], q->forward[t]);  // for the encoder
     kroiQuantInvTableInit_JPEG_8u16u(q->zigzag[t], f->quant[t]);    // steps, natural order
   }
@@ -76,8 +76,8 @@ void MakeQuantTables(int quality, int count, QuantTables* q, JpegCoefficients* f
 
 // Copies a w x h window at (x0, y0) of an interleaved plane into dst (w * channels
 // bytes per row), repeating the last column and row for positions past the image.
-void CopyWithEdges(const uint8_t* src, int step, int width, int height, int channels, int x0, int y0,
-                   int w, int h, uint8_t* dst) {
+void CopyWithEdges(const uint8_t* src, int step, int width, int height, int channels, int x0,
+                   int y0, int w, int h, uint8_t* dst) {
   for (int r = 0; r < h; ++r) {
     const uint8_t* row = src + static_cast<size_t>(std::min(y0 + r, height - 1)) * step;
     for (int c = 0; c < w; ++c) {
@@ -97,8 +97,8 @@ void TransformPlane(const uint8_t* plane, int step, int width, int height, const
     for (int bx = 0; bx < c->blocks_w; ++bx) {
       const int x0 = 8 * bx, y0 = 8 * by;
       if (x0 + 8 <= width && y0 + 8 <= height) {
-        kroiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(plane + static_cast<size_t>(y0) * step + x0, step, c->block(bx, by),
-                                            table);
+        kroiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(plane + static_cast<size_t>(y0) * step + x0, step,
+                                            c->block(bx, by), table);
       } else {
         CopyWithEdges(plane, step, width, height, 1, x0, y0, 8, 8, edge);
         kroiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(edge, 8, c->block(bx, by), table);
@@ -111,7 +111,7 @@ void TransformPlane(const uint8_t* plane, int step, int width, int height, const
 // level-shifted Y, Cb, Cr blocks with the chroma already averaged over 2 or 4 pixels;
 // each block then goes through the fused DCT + quantisation.
 void TransformColourByMcu(const Image& img, const QuantTables& q, JpegCoefficients* f) {
-  using McuConvert = KroStatus (*)(const Kro8u*, int, Kro16s*[3]);
+  using McuConvert = KroStatus (*)(const Kro8u*, int, Kro16s* [3]);
   const McuConvert convert = f->max_h == 1   ? kroiRGBToYCbCr444LS_MCU_8u16s_C3P3R
                              : f->max_v == 1 ? kroiRGBToYCbCr422LS_MCU_8u16s_C3P3R
                                              : kroiRGBToYCbCr411LS_MCU_8u16s_C3P3R;
@@ -127,13 +127,15 @@ void TransformColourByMcu(const Image& img, const QuantTables& q, JpegCoefficien
       if (x0 + mcu_w <= img.width && y0 + mcu_h <= img.height) {
         convert(img.row(y0) + x0 * 3, step, blocks);
       } else {
-        CopyWithEdges(img.pixels.data(), step, img.width, img.height, 3, x0, y0, mcu_w, mcu_h, edge);
+        CopyWithEdges(img.pixels.data(), step, img.width, img.height, 3, x0, y0, mcu_w, mcu_h,
+                      edge);
         convert(edge, mcu_w * 3, blocks);
       }
       // Luminance blocks left to right, then top to bottom.
       for (int b = 0; b < luma_blocks; ++b) {
-        kroiDCTQuantFwd8x8_JPEG_16s_C1(y + 64 * b, lum.block(mx * f->max_h + b % f->max_h, my * f->max_v + b / f->max_h),
-                                       q.forward[0]);
+        kroiDCTQuantFwd8x8_JPEG_16s_C1(
+            y + 64 * b, lum.block(mx * f->max_h + b % f->max_h, my * f->max_v + b / f->max_h),
+            q.forward[0]);
       }
       kroiDCTQuantFwd8x8_JPEG_16s_C1(cb, f->components[1].block(mx, my), q.forward[1]);
       kroiDCTQuantFwd8x8_JPEG_16s_C1(cr, f->components[2].block(mx, my), q.forward[1]);
@@ -149,10 +151,12 @@ void TransformColourByPlanes(const Image& img, const QuantTables& q, JpegCoeffic
   std::vector<uint8_t> planes(static_cast<size_t>(pw) * ph * 3);
   Kro8u* ycc[3];
   for (int c = 0; c < 3; ++c) ycc[c] = planes.data() + static_cast<size_t>(pw) * ph * c;
-  kroiRGBToYCbCr_JPEG_8u_C3P3R(img.pixels.data(), static_cast<int>(img.row_bytes()), ycc, pw, {w, h});
+  kroiRGBToYCbCr_JPEG_8u_C3P3R(img.pixels.data(), static_cast<int>(img.row_bytes()), ycc, pw,
+                               {w, h});
   for (Kro8u* p : ycc) {  // repeat the last column and row into the pair padding
     if (w & 1)
-      for (int y = 0; y < h; ++y) p[static_cast<size_t>(y) * pw + w] = p[static_cast<size_t>(y) * pw + w - 1];
+      for (int y = 0; y < h; ++y)
+        p[static_cast<size_t>(y) * pw + w] = p[static_cast<size_t>(y) * pw + w - 1];
     if (h & 1) memcpy(p + static_cast<size_t>(h) * pw, p + static_cast<size_t>(h - 1) * pw, pw);
   }
   TransformPlane(ycc[0], pw, w, h, q.forward[0], &f->components[0]);
@@ -174,12 +178,13 @@ void TransformColourByPlanes(const Image& img, const QuantTables& q, JpegCoeffic
 
 void TransformGrey(const Image& img, const QuantTables& q, JpegCoefficients* f) {
   if (img.channels == 1) {
-    TransformPlane(img.pixels.data(), img.width, img.width, img.height, q.forward[0], &f->components[0]);
+    TransformPlane(img.pixels.data(), img.width, img.width, img.height, q.forward[0],
+                   &f->components[0]);
     return;
   }
   std::vector<uint8_t> luma(static_cast<size_t>(img.width) * img.height);
-  kroiRGBToY_JPEG_8u_C3C1R(img.pixels.data(), static_cast<int>(img.row_bytes()), luma.data(), img.width,
-                           {img.width, img.height});
+  kroiRGBToY_JPEG_8u_C3C1R(img.pixels.data(), static_cast<int>(img.row_bytes()), luma.data(),
+                           img.width, {img.width, img.height});
   TransformPlane(luma.data(), img.width, img.width, img.height, q.forward[0], &f->components[0]);
 }
 
@@ -203,12 +208,11 @@ ScanKind KindOf(bool progressive, const ScanSpec& s) {
 // then the rest, each refined by one bit at the end.
 std::vector<ScanSpec> ProgressiveScript(int components) {
   if (components == 1)
-    return {{{0}, 0, 0, 0, 1}, {{0}, 1, 5, 0, 2}, {{0}, 6, 63, 0, 2},
+    return {{{0}, 0, 0, 0, 1},  {{0}, 1, 5, 0, 2}, {{0}, 6, 63, 0, 2},
             {{0}, 1, 63, 2, 1}, {{0}, 0, 0, 1, 0}, {{0}, 1, 63, 1, 0}};
-  return {{{0, 1, 2}, 0, 0, 0, 1}, {{0}, 1, 5, 0, 2},   {{2}, 1, 63, 0, 1},
-          {{1}, 1, 63, 0, 1},      {{0}, 6, 63, 0, 2},  {{0}, 1, 63, 2, 1},
-          {{0, 1, 2}, 0, 0, 1, 0}, {{2}, 1, 63, 1, 0},  {{1}, 1, 63, 1, 0},
-          {{0}, 1, 63, 1, 0}};
+  return {{{0, 1, 2}, 0, 0, 0, 1}, {{0}, 1, 5, 0, 2},  {{2}, 1, 63, 0, 1},      {{1}, 1, 63, 0, 1},
+          {{0}, 6, 63, 0, 2},      {{0}, 1, 63, 2, 1}, {{0, 1, 2}, 0, 0, 1, 0}, {{2}, 1, 63, 1, 0},
+          {{1}, 1, 63, 1, 0},      {{0}, 1, 63, 1, 0}};
 }
 
 // Everything one scan's coding pass needs.
@@ -228,17 +232,19 @@ struct ScanCoder {
     const int t = table_of[k];
     switch (kind) {
       case ScanKind::kSequential:
-        return kroiEncodeHuffman8x8_JPEG_16s1u_C1(b, dst, cap, len, &last_dc[k], dc[t], ac[t], state, 0);
+        return kroiEncodeHuffman8x8_JPEG_16s1u_C1(b, dst, cap, len, &last_dc[k], dc[t], ac[t],
+                                                  state, 0);
       case ScanKind::kDcFirst:
-        return kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(b, dst, cap, len, &last_dc[k], spec->al, dc[t], state, 0);
+        return kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(b, dst, cap, len, &last_dc[k], spec->al,
+                                                          dc[t], state, 0);
       case ScanKind::kDcRefine:
         return kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(b, dst, cap, len, spec->al, state, 0);
       case ScanKind::kAcFirst:
-        return kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(b, dst, cap, len, spec->ss, spec->se, spec->al, ac[t],
-                                                           state, 0);
+        return kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(b, dst, cap, len, spec->ss, spec->se,
+                                                          spec->al, ac[t], state, 0);
       case ScanKind::kAcRefine:
-        return kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(b, dst, cap, len, spec->ss, spec->se, spec->al, ac[t],
-                                                            state, 0);
+        return kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(b, dst, cap, len, spec->ss, spec->se,
+                                                           spec->al, ac[t], state, 0);
     }
     return kroStatusError;
   }
@@ -252,18 +258,20 @@ struct ScanCoder {
     int* len = w->length();
     switch (kind) {
       case ScanKind::kSequential:
-        return kroiEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, dst, cap, len, nullptr, nullptr, nullptr, state, 1);
+        return kroiEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, dst, cap, len, nullptr, nullptr, nullptr,
+                                                  state, 1);
       case ScanKind::kDcFirst:
         return kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(nullptr, dst, cap, len, nullptr, spec->al,
-                                                           dc[table_of[0]], state, 1);
+                                                          dc[table_of[0]], state, 1);
       case ScanKind::kDcRefine:
-        return kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(nullptr, dst, cap, len, spec->al, state, 1);
+        return kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(nullptr, dst, cap, len, spec->al, state,
+                                                           1);
       case ScanKind::kAcFirst:
-        return kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(nullptr, dst, cap, len, spec->ss, spec->se, spec->al,
-                                                           ac[table_of[0]], state, 1);
+        return kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(
+            nullptr, dst, cap, len, spec->ss, spec->se, spec->al, ac[table_of[0]], state, 1);
       case ScanKind::kAcRefine:
-        return kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(nullptr, dst, cap, len, spec->ss, spec->se, spec->al,
-                                                            ac[table_of[0]], state, 1);
+        return kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(
+            nullptr, dst, cap, len, spec->ss, spec->se, spec->al, ac[table_of[0]], state, 1);
     }
     return kroStatusError;
   }
@@ -289,9 +297,11 @@ struct ScanCounter {
       case ScanKind::kDcRefine:
         return kroStatusOk;  // raw bits only
       case ScanKind::kAcFirst:
-        return kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(b, ac[t], spec->ss, spec->se, spec->al, state, 0);
+        return kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(b, ac[t], spec->ss, spec->se,
+                                                               spec->al, state, 0);
       case ScanKind::kAcRefine:
-        return kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(b, ac[t], spec->ss, spec->se, spec->al, state, 0);
+        return kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(b, ac[t], spec->ss, spec->se,
+                                                                spec->al, state, 0);
     }
     return kroStatusError;
   }
@@ -300,9 +310,11 @@ struct ScanCounter {
     std::fill(std::begin(last_dc), std::end(last_dc), 0);
     const int t = table_of[0];
     if (kind == ScanKind::kAcFirst)
-      return kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(nullptr, ac[t], spec->ss, spec->se, spec->al, state, 1);
+      return kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(nullptr, ac[t], spec->ss, spec->se,
+                                                             spec->al, state, 1);
     if (kind == ScanKind::kAcRefine)
-      return kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(nullptr, ac[t], spec->ss, spec->se, spec->al, state, 1);
+      return kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(nullptr, ac[t], spec->ss, spec->se,
+                                                              spec->al, state, 1);
     return kroStatusOk;
   }
 };
@@ -315,11 +327,12 @@ std::string CodingError(KroStatus st) {
 
 // Writes one scan: tables (standard, or optimal from a counting pass), the SOS header
 // and the entropy-coded data with restart markers every restart_interval MCUs.
-bool WriteScan(JpegCoefficients* f, const ScanSpec& spec, bool progressive, bool optimize, int restart_interval,
-               JpegWriter* w, std::string* error) {
+bool WriteScan(JpegCoefficients* f, const ScanSpec& spec, bool progressive, bool optimize,
+               int restart_interval, JpegWriter* w, std::string* error) {
   const ScanKind kind = KindOf(progressive, spec);
   const bool uses_dc = kind == ScanKind::kSequential || kind == ScanKind::kDcFirst;
-  const bool uses_ac = kind == ScanKind::kSequential || kind == ScanKind::kAcFirst || kind == ScanKind::kAcRefine;
+  const bool uses_ac =
+      kind == ScanKind::kSequential || kind == ScanKind::kAcFirst || kind == ScanKind::kAcRefine;
   const int n = static_cast<int>(spec.components.size());
   bool table_used[2] = {false, false};
   std::vector<int> table_ids(n);
@@ -329,7 +342,9 @@ bool WriteScan(JpegCoefficients* f, const ScanSpec& spec, bool progressive, bool
     table_used[table_of[k]] = true;
     table_ids[k] = table_of[k] << 4 | table_of[k];
   }
-  auto restart_due = [&](int m) { return restart_interval > 0 && m > 0 && m % restart_interval == 0; };
+  auto restart_due = [&](int m) {
+    return restart_interval > 0 && m > 0 && m % restart_interval == 0;
+  };
 
   // Tables. Progressive scans always count: end-of-band runs have no standard codes.
   HuffmanTable dc_tables[2] = {StdDcLuminance(), StdDcChrominance()};
@@ -341,7 +356,8 @@ bool WriteScan(JpegCoefficients* f, const ScanSpec& spec, bool progressive, bool
     counter.state = count_state.get();
     KroStatus st = kroStatusOk;
     WalkScan(
-        f, spec.components, [&](int m) { return !restart_due(m) || (st = counter.Flush()) == kroStatusOk; },
+        f, spec.components,
+        [&](int m) { return !restart_due(m) || (st = counter.Flush()) == kroStatusOk; },
         [&](int k, int16_t* b) { return (st = counter.Block(k, b)) == kroStatusOk; });
     if (st == kroStatusOk) st = counter.Flush();
     if (st != kroStatusOk) return Fail(error, CodingError(st));
@@ -387,7 +403,9 @@ bool WriteScan(JpegCoefficients* f, const ScanSpec& spec, bool progressive, bool
         w->Marker(kRST0 + (restarts++ & 7));
         return true;
       },
-      [&](int k, int16_t* b) { return w->Reserve(kMaxBlockBytes) && (st = coder.Block(k, b, w)) == kroStatusOk; });
+      [&](int k, int16_t* b) {
+        return w->Reserve(kMaxBlockBytes) && (st = coder.Block(k, b, w)) == kroStatusOk;
+      });
   if (ok && w->Reserve(kMaxBlockBytes)) st = coder.Flush(w);
   if (!ok && st == kroStatusOk) return Fail(error, "the JPEG file would exceed 2 GB");
   if (st != kroStatusOk) return Fail(error, CodingError(st));
@@ -395,26 +413,31 @@ bool WriteScan(JpegCoefficients* f, const ScanSpec& spec, bool progressive, bool
 }
 
 bool CheckOptions(const Image& img, const JpegEncodeOptions& o, std::string* error) {
-  if (img.channels != 1 && img.channels != 3) return Fail(error, "only grey and RGB images can be encoded");
+  if (img.channels != 1 && img.channels != 3)
+    return Fail(error, "only grey and RGB images can be encoded");
   if (img.width < 1 || img.height < 1 || img.width > 65535 || img.height > 65535)
     return Fail(error, "JPEG images must be 1 to 65535 pixels wide and high");
   if (int64_t{img.width} * img.height > kMaxJpegPixels) return Fail(error, "image is too large");
-  if (img.pixels.size() != img.row_bytes() * img.height) return Fail(error, "image buffer has the wrong size");
+  if (img.pixels.size() != img.row_bytes() * img.height)
+    return Fail(error, "image buffer has the wrong size");
   if (o.quality < 1 || o.quality > 100) return Fail(error, "quality must be 1 to 100");
-  if (o.restart_interval < 0 || o.restart_interval > 65535) return Fail(error, "restart interval must be 0 to 65535");
+  if (o.restart_interval < 0 || o.restart_interval > 65535)
+    return Fail(error, "restart interval must be 0 to 65535");
   if (o.lossless) {
     if (o.predictor < 1 || o.predictor > 7) return Fail(error, "lossless predictor must be 1 to 7");
-    if (o.point_transform < 0 || o.point_transform > 7) return Fail(error, "point transform must be 0 to 7");
+    if (o.point_transform < 0 || o.point_transform > 7)
+      return Fail(error, "point transform must be 0 to 7");
     if (o.progressive) return Fail(error, "a file cannot be both lossless and progressive");
-    if (o.restart_interval != 0) return Fail(error, "restart intervals are not supported in lossless mode");
+    if (o.restart_interval != 0)
+      return Fail(error, "restart intervals are not supported in lossless mode");
   }
   return true;
 }
 
 }  // namespace
 
-bool EncodeJpeg(const Image& img, const JpegEncodeOptions& options, std::vector<uint8_t>* out, std::string* error,
-                JpegCoefficients* coefficients) {
+bool EncodeJpeg(const Image& img, const JpegEncodeOptions& options, std::vector<uint8_t>* out,
+                std::string* error, JpegCoefficients* coefficients) {
   if (!CheckOptions(img, options, error)) return false;
   if (options.lossless) {
     if (coefficients) *coefficients = JpegCoefficients();
@@ -450,7 +473,9 @@ bool EncodeJpeg(const Image& img, const JpegEncodeOptions& options, std::vector<
     std::iota(scans[0].components.begin(), scans[0].components.end(), 0);
   }
   for (const ScanSpec& s : scans) {
-    if (!WriteScan(&f, s, options.progressive, options.optimize, options.restart_interval, &w, error)) return false;
+    if (!WriteScan(&f, s, options.progressive, options.optimize, options.restart_interval, &w,
+                   error))
+      return false;
   }
   w.Marker(kEOI);
   *out = w.Take();

@@ -169,21 +169,21 @@ bool WalkScan(JpegCoefficients* f, const std::vector<int>& components, McuFn mcu
 int64_t ScanMcus(const JpegCoefficients& f, const std::vector<int>& components);
 
 // Lossless coding (jpeg_lossless.cpp). The encoder writes the whole file.
-bool EncodeLosslessJpeg(const Image& img, const JpegEncodeOptions& options, std::vector<uint8_t>* out,
-                        std::string* error);
+bool EncodeLosslessJpeg(const Image& img, const JpegEncodeOptions& options,
+                        std::vector<uint8_t>* out, std::string* error);
 
 // One scan of a lossless frame whose components are all sampled 1x1. Decodes from
 // data[*pos] (the library's reader: *pos and *marker advance as in the block decoders)
 // and writes 8-bit samples into planes[k] (width x height) for the k-th scan component.
 struct LosslessScan {
   int width = 0, height = 0;
-  int predictor = 1;                               // Ss
-  int point_transform = 0;                         // Al
+  int predictor = 1;                                 // Ss
+  int point_transform = 0;                           // Al
   std::vector<const KroiDecodeHuffmanSpec*> tables;  // per scan component
   std::vector<uint8_t*> planes;                      // per scan component
 };
-bool DecodeLosslessScan(const uint8_t* data, int size, int* pos, int* marker, const LosslessScan& scan,
-                        std::string* error);
+bool DecodeLosslessScan(const uint8_t* data, int size, int* pos, int* marker,
+                        const LosslessScan& scan, std::string* error);
 
 // Describes a library status of the entropy decoders for an error message.
 std::string EntropyError(KroStatus status);

@@ -22,8 +22,8 @@ bool Fail(std::string* error, const std::string& message) {
 
 }  // namespace
 
-bool EncodeLosslessJpeg(const Image& img, const JpegEncodeOptions& options, std::vector<uint8_t>* out,
-                        std::string* error) {
+bool EncodeLosslessJpeg(const Image& img, const JpegEncodeOptions& options,
+                        std::vector<uint8_t>* out, std::string* error) {
   const bool grey = img.channels == 1 || options.sampling == ChromaSampling::kGrey;
   const int n = grey ? 1 : 3, w = img.width, h = img.height, pt = options.point_transform;
   const size_t plane = static_cast<size_t>(w) * h;
@@ -32,7 +32,8 @@ bool EncodeLosslessJpeg(const Image& img, const JpegEncodeOptions& options, std:
   std::vector<uint8_t> luma;
   if (grey && img.channels == 3) {
     luma.resize(plane);
-    kroiRGBToY_JPEG_8u_C3C1R(img.pixels.data(), static_cast<int>(img.row_bytes()), luma.data(), w, {w, h});
+    kroiRGBToY_JPEG_8u_C3C1R(img.pixels.data(), static_cast<int>(img.row_bytes()), luma.data(), w,
+                             {w, h});
   }
   const uint8_t* samples = luma.empty() ? img.pixels.data() : luma.data();
   const int stride = luma.empty() ? img.channels : 1;
@@ -81,30 +82,34 @@ bool EncodeLosslessJpeg(const Image& img, const JpegEncodeOptions& options, std:
   // code and 15 extra bits, every byte stuffed: 8 bytes).
   EncodeState state = MakeEncodeState();
   for (int y = 0; y < h; ++y) {
-    if (!wr.Reserve(static_cast<size_t>(w) * n * 8 + 16)) return Fail(error, "the JPEG file would exceed 2 GB");
+    if (!wr.Reserve(static_cast<size_t>(w) * n * 8 + 16))
+      return Fail(error, "the JPEG file would exceed 2 GB");
     for (int x = 0; x < w; ++x) {
       for (int c = 0; c < n; ++c) {
         const Kro16s* d = diffs.data() + (static_cast<size_t>(c) * h + y) * w + x;
-        kroiEncodeHuffmanOne_JPEG_16s1u_C1(d, wr.data(), wr.capacity(), wr.length(), spec.get(), state.get(), 0);
+        kroiEncodeHuffmanOne_JPEG_16s1u_C1(d, wr.data(), wr.capacity(), wr.length(), spec.get(),
+                                           state.get(), 0);
       }
     }
   }
-  kroiEncodeHuffmanOne_JPEG_16s1u_C1(nullptr, wr.data(), wr.capacity(), wr.length(), nullptr, state.get(), 1);
+  kroiEncodeHuffmanOne_JPEG_16s1u_C1(nullptr, wr.data(), wr.capacity(), wr.length(), nullptr,
+                                     state.get(), 1);
   wr.Marker(kEOI);
   *out = wr.Take();
   return true;
 }
 
-bool DecodeLosslessScan(const uint8_t* data, int size, int* pos, int* marker, const LosslessScan& scan,
-                        std::string* error) {
+bool DecodeLosslessScan(const uint8_t* data, int size, int* pos, int* marker,
+                        const LosslessScan& scan, std::string* error) {
   const int n = static_cast<int>(scan.tables.size()), w = scan.width, pt = scan.point_transform;
   std::vector<Kro16s> diffs(static_cast<size_t>(n) * w), rows(2 * static_cast<size_t>(n) * w);
   DecodeState state = MakeDecodeState();
   for (int y = 0; y < scan.height; ++y) {
     for (int x = 0; x < w; ++x) {
       for (int k = 0; k < n; ++k) {
-        const KroStatus st = kroiDecodeHuffmanOne_JPEG_1u16s_C1(data, size, pos, &diffs[static_cast<size_t>(k) * w + x],
-                                                                marker, scan.tables[k], state.get());
+        const KroStatus st = kroiDecodeHuffmanOne_JPEG_1u16s_C1(
+            data, size, pos, &diffs[static_cast<size_t>(k) * w + x], marker, scan.tables[k],
+            state.get());
         if (st != kroStatusOk) return Fail(error, EntropyError(st));
       }
     }
@@ -118,7 +123,8 @@ bool DecodeLosslessScan(const uint8_t* data, int size, int* pos, int* marker, co
         kroiReconstructPredRow_JPEG_16s_C1(d, prev, cur, w, scan.predictor);
       // Samples are defined modulo 2^16; a corrupt stream may leave the 8-bit range.
       uint8_t* out = scan.planes[k] + static_cast<size_t>(y) * w;
-      for (int x = 0; x < w; ++x) out[x] = static_cast<uint8_t>(std::clamp(cur[x] * (1 << pt), 0, 255));
+      for (int x = 0; x < w; ++x)
+        out[x] = static_cast<uint8_t>(std::clamp(cur[x] * (1 << pt), 0, 255));
     }
   }
   return true;

@@ -5,18 +5,18 @@
 // Lossless round trips, corrupt input and the image I/O helpers are covered too.
 #ifdef KROJ_HAVE_CODEC
 
-#include <gtest/gtest.h>
+#include "codec/jpeg_codec.h"
+
+#include <jpeglib.h>
 #include <setjmp.h>
 #include <stdio.h>
 
+#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <vector>
 
-#include <jpeglib.h>
-
 #include "codec/image_io.h"
-#include "codec/jpeg_codec.h"
 #include "test_util.h"
 
 namespace {
@@ -45,7 +45,8 @@ Image Crop(const Image& src, int w, int h) {
   out.width = w;
   out.height = h;
   out.channels = src.channels;
-  for (int y = 0; y < h; ++y) out.pixels.insert(out.pixels.end(), src.row(y), src.row(y) + out.row_bytes());
+  for (int y = 0; y < h; ++y)
+    out.pixels.insert(out.pixels.end(), src.row(y), src.row(y) + out.row_bytes());
   return out;
 }
 
@@ -111,11 +112,12 @@ PeerResult PeerDecode(const std::vector<uint8_t>& file, bool coefficients) {
       c.height_in_blocks = c.blocks_h = static_cast<int>(info.height_in_blocks);
       c.coef.resize(static_cast<size_t>(c.blocks_w) * c.blocks_h * 64);
       for (int by = 0; by < c.blocks_h; ++by) {
-        JBLOCKARRAY row = (*d.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&d), arrays[ci],
-                                                       static_cast<JDIMENSION>(by), 1, FALSE);
+        JBLOCKARRAY row = (*d.mem->access_virt_barray)(
+            reinterpret_cast<j_common_ptr>(&d), arrays[ci], static_cast<JDIMENSION>(by), 1, FALSE);
         memcpy(c.block(0, by), row[0], sizeof(JBLOCK) * c.blocks_w);
       }
-      for (int k = 0; k < 64; ++k) r.coef.quant[ci][k] = info.quant_table ? info.quant_table->quantval[k] : 0;
+      for (int k = 0; k < 64; ++k)
+        r.coef.quant[ci][k] = info.quant_table ? info.quant_table->quantval[k] : 0;
       r.coef.components.push_back(std::move(c));
     }
   } else {
@@ -139,7 +141,8 @@ PeerResult PeerDecode(const std::vector<uint8_t>& file, bool coefficients) {
 }
 
 // Compares the blocks that hold image samples, component by component.
-void ExpectSameCoefficients(const JpegCoefficients& ours, const JpegCoefficients& peer, const std::string& what) {
+void ExpectSameCoefficients(const JpegCoefficients& ours, const JpegCoefficients& peer,
+                            const std::string& what) {
   ASSERT_EQ(ours.components.size(), peer.components.size()) << what;
   for (size_t c = 0; c < ours.components.size(); ++c) {
     const krojcodec::JpegComponent& a = ours.components[c];
@@ -164,8 +167,8 @@ struct EncodeCase {
   int crop_w = 0, crop_h = 0;  // a corner of the image, for odd sizes
 };
 
-JpegEncodeOptions Opt(int quality, ChromaSampling s, bool optimize = false, int restart = 0, bool progressive = false,
-                      bool planes = false) {
+JpegEncodeOptions Opt(int quality, ChromaSampling s, bool optimize = false, int restart = 0,
+                      bool progressive = false, bool planes = false) {
   JpegEncodeOptions o;
   o.quality = quality;
   o.sampling = s;
@@ -183,7 +186,8 @@ TEST(JpegCodecInterop, OurFilesDecodeInLibjpegTurboToOurCoefficients) {
       {"baseline 4:4:4 q90", "astronaut.ppm", Opt(90, S::k444)},
       {"optimised 4:2:2 q75", "astronaut.ppm", Opt(75, S::k422, true)},
       {"odd size 4:2:0 restart 7", "chelsea.ppm", Opt(90, S::k420, false, 7)},
-      {"odd size 4:2:2 planes optimised restart 1", "chelsea.ppm", Opt(85, S::k422, true, 1, false, true)},
+      {"odd size 4:2:2 planes optimised restart 1", "chelsea.ppm",
+       Opt(85, S::k422, true, 1, false, true)},
       {"4:2:0 planes q30", "coffee.ppm", Opt(30, S::k420, false, 0, false, true)},
       {"4:4:4 q100 optimised", "coffee.ppm", Opt(100, S::k444, true)},
       {"grey q90", "camera.pgm", Opt(90, S::k420)},
@@ -222,7 +226,8 @@ TEST(JpegCodecInterop, OurFilesDecodeInLibjpegTurboToOurCoefficients) {
       // Both decoders are as faithful to the original as each other.
       EXPECT_NEAR(krojcodec::Psnr(ours, reference), krojcodec::Psnr(peer.pixels, reference), 0.1);
     }
-    printf("  %-44s %7zu bytes, ours vs libjpeg-turbo pixels %.2f dB\n", tc.name, file.size(), ours_vs_peer);
+    printf("  %-44s %7zu bytes, ours vs libjpeg-turbo pixels %.2f dB\n", tc.name, file.size(),
+           ours_vs_peer);
   }
 }
 
@@ -233,7 +238,9 @@ TEST(JpegCodecInterop, QuantisationTablesMatchLibjpegTurbo) {
     std::vector<uint8_t> ours;
     JpegCoefficients coded;
     std::string error;
-    ASSERT_TRUE(krojcodec::EncodeJpeg(img, Opt(quality, ChromaSampling::k420), &ours, &error, &coded)) << error;
+    ASSERT_TRUE(
+        krojcodec::EncodeJpeg(img, Opt(quality, ChromaSampling::k420), &ours, &error, &coded))
+        << error;
     const PeerResult peer = PeerDecode(ours, true);
     ASSERT_TRUE(peer.ok);
     // The peer's own tables at this quality (jpeg_set_quality) must be the same.
@@ -247,7 +254,8 @@ TEST(JpegCodecInterop, QuantisationTablesMatchLibjpegTurbo) {
     jpeg_set_quality(&c, quality, TRUE);
     for (int t = 0; t < 2; ++t)
       for (int k = 0; k < 64; ++k) {
-        ASSERT_EQ(coded.quant[t][k], c.quant_tbl_ptrs[t]->quantval[k]) << "quality " << quality << " table " << t;
+        ASSERT_EQ(coded.quant[t][k], c.quant_tbl_ptrs[t]->quantval[k])
+            << "quality " << quality << " table " << t;
         ASSERT_EQ(peer.coef.quant[t == 0 ? 0 : 1][k], coded.quant[t][k]);
       }
     jpeg_destroy_compress(&c);
@@ -309,7 +317,8 @@ void CheckOurDecoder(const std::string& name, const std::vector<uint8_t>& file, 
   ASSERT_TRUE(peer_coef.ok) << peer_coef.message;
   JpegCoefficients ours_coef;
   std::string error;
-  ASSERT_TRUE(krojcodec::ReadJpegCoefficients(file.data(), file.size(), &ours_coef, &error)) << error;
+  ASSERT_TRUE(krojcodec::ReadJpegCoefficients(file.data(), file.size(), &ours_coef, &error))
+      << error;
   ExpectSameCoefficients(ours_coef, peer_coef.coef, name);
 
   const PeerResult peer = PeerDecode(file, false);
@@ -318,11 +327,14 @@ void CheckOurDecoder(const std::string& name, const std::vector<uint8_t>& file, 
   ASSERT_TRUE(krojcodec::DecodeJpeg(file.data(), file.size(), &smooth, &error)) << error;
   krojcodec::JpegDecodeOptions fast_options;
   fast_options.fast_upsampling = true;
-  ASSERT_TRUE(krojcodec::DecodeJpeg(file.data(), file.size(), &fast, &error, fast_options)) << error;
-  const double psnr = krojcodec::Psnr(smooth, peer.pixels), psnr_fast = krojcodec::Psnr(fast, peer.pixels);
+  ASSERT_TRUE(krojcodec::DecodeJpeg(file.data(), file.size(), &fast, &error, fast_options))
+      << error;
+  const double psnr = krojcodec::Psnr(smooth, peer.pixels),
+               psnr_fast = krojcodec::Psnr(fast, peer.pixels);
   EXPECT_GE(psnr, min_psnr);
   EXPECT_GE(psnr_fast, min_psnr_fast);
-  printf("  %-34s pixels vs libjpeg-turbo: %.2f dB (replicated chroma %.2f dB)\n", name.c_str(), psnr, psnr_fast);
+  printf("  %-34s pixels vs libjpeg-turbo: %.2f dB (replicated chroma %.2f dB)\n", name.c_str(),
+         psnr, psnr_fast);
 }
 
 TEST(JpegCodecInterop, OurDecoderOnLibjpegTurboFiles) {
@@ -383,7 +395,8 @@ TEST(JpegCodecLossless, EveryPredictorRoundTripsExactly) {
       ASSERT_TRUE(krojcodec::EncodeJpeg(*img, o, &file, &error)) << error;
       Image back;
       ASSERT_TRUE(krojcodec::DecodeJpeg(file.data(), file.size(), &back, &error)) << error;
-      EXPECT_EQ(back.pixels, img->pixels) << "predictor " << predictor << ", " << img->channels << " channels";
+      EXPECT_EQ(back.pixels, img->pixels)
+          << "predictor " << predictor << ", " << img->channels << " channels";
     }
   }
 }
@@ -419,15 +432,17 @@ TEST(JpegCodecRobustness, TruncatedAndCorruptFilesFailCleanly) {
   // Every cut of a small progressive file with restarts fails or decodes, never
   // crashes; cuts inside the scans must fail.
   std::vector<uint8_t> file;
-  ASSERT_TRUE(krojcodec::EncodeJpeg(Crop(Load("chelsea.ppm"), 40, 24), Opt(80, ChromaSampling::k420, false, 2, true),
-                                    &file, &error));
+  ASSERT_TRUE(krojcodec::EncodeJpeg(Crop(Load("chelsea.ppm"), 40, 24),
+                                    Opt(80, ChromaSampling::k420, false, 2, true), &file, &error));
   int failures = 0;
-  for (size_t n = 0; n + 2 < file.size(); n += 7) failures += !krojcodec::DecodeJpeg(file.data(), n, &img, &error);
+  for (size_t n = 0; n + 2 < file.size(); n += 7)
+    failures += !krojcodec::DecodeJpeg(file.data(), n, &img, &error);
   EXPECT_EQ(failures, static_cast<int>((file.size() - 3) / 7 + 1));
 
   // Random byte damage: any outcome but a crash or a sanitizer report.
   std::mt19937 rng(7);
-  for (const JpegEncodeOptions& o : {Opt(75, ChromaSampling::k420, false, 3), Opt(75, ChromaSampling::k444, true, 0, true)}) {
+  for (const JpegEncodeOptions& o :
+       {Opt(75, ChromaSampling::k420, false, 3), Opt(75, ChromaSampling::k444, true, 0, true)}) {
     ASSERT_TRUE(krojcodec::EncodeJpeg(Crop(Load("coffee.ppm"), 48, 40), o, &file, &error));
     for (int trial = 0; trial < 300; ++trial) {
       std::vector<uint8_t> bad = file;
@@ -443,7 +458,8 @@ TEST(JpegCodecRobustness, TruncatedAndCorruptFilesFailCleanly) {
 TEST(JpegCodecRobustness, AbsurdDimensionsAreRefusedBeforeAllocating) {
   std::vector<uint8_t> file;
   std::string error;
-  ASSERT_TRUE(krojcodec::EncodeJpeg(Crop(Load("camera.pgm"), 8, 8), Opt(75, ChromaSampling::kGrey), &file, &error));
+  ASSERT_TRUE(krojcodec::EncodeJpeg(Crop(Load("camera.pgm"), 8, 8), Opt(75, ChromaSampling::kGrey),
+                                    &file, &error));
   // Patch the frame header: 65535 x 65535 is past the codec's limit; 20000 x 10000
   // is allowed in general, but not from a file of a few hundred bytes.
   size_t sof = 0;
@@ -453,7 +469,8 @@ TEST(JpegCodecRobustness, AbsurdDimensionsAreRefusedBeforeAllocating) {
   const struct {
     uint8_t bytes[4];
     const char* message;
-  } cases[] = {{{0xFF, 0xFF, 0xFF, 0xFF}, "too large"}, {{0x27, 0x10, 0x4E, 0x20}, "more than the file can hold"}};
+  } cases[] = {{{0xFF, 0xFF, 0xFF, 0xFF}, "too large"},
+               {{0x27, 0x10, 0x4E, 0x20}, "more than the file can hold"}};
   for (const auto& c : cases) {
     memcpy(&file[sof + 5], c.bytes, 4);
     EXPECT_FALSE(krojcodec::DecodeJpeg(file.data(), file.size(), &img, &error));
@@ -479,7 +496,8 @@ TEST(CodecImageIo, PnmHeadersWithCommentsAndRefusals) {
   bytes.pop_back();
   EXPECT_FALSE(krojcodec::DecodePnm(bytes.data(), bytes.size(), &img, &error));  // truncated
   const std::string wide = "P5 2 2 65535\n";
-  EXPECT_FALSE(krojcodec::DecodePnm(reinterpret_cast<const uint8_t*>(wide.data()), wide.size(), &img, &error));
+  EXPECT_FALSE(krojcodec::DecodePnm(reinterpret_cast<const uint8_t*>(wide.data()), wide.size(),
+                                    &img, &error));
   EXPECT_NE(error.find("maxval"), std::string::npos);
 
   Image a = img, b = img;
