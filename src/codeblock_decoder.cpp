@@ -17,7 +17,7 @@ using namespace t1;
 // to the decision and adds the half value 2^(p-1). Planes above 30 only occur with a
 // bit-plane count the block cannot hold; their values are defined but meaningless.
 struct Plane {
-  int p;
+  uint32_t one;    // 1 << p
   uint32_t sig;    // (3 << p) >> 1
   uint32_t half;   // 1 << (p - 1), 0 at p = 0
   uint32_t upper;  // bits above p, the sign included
@@ -25,84 +25,98 @@ struct Plane {
 
 Plane PlaneOf(int p) {
   const int q = p < 40 ? p : 40;
+  const uint32_t one = q < 32 ? 1u << q : 0u;
   const uint32_t sig = static_cast<uint32_t>((uint64_t{3} << q) >> 1);
   const uint32_t half = q >= 1 ? static_cast<uint32_t>((uint64_t{1} << q) >> 1) : 0u;
   const uint32_t upper = q >= 31 ? 0x80000000u : ~0u << (q + 1);
-  return {q, sig, half, upper};
+  return {one, sig, half, upper};
 }
 
-Kro32s& At(Kro32s* block, int step, int x, int y) { return RowPtr(block, step, y)[x]; }
-
-// Decoder side of the pass scans: every decision comes from the MQ decoder. The
-// registers live in a local copy for the length of the pass.
-struct MqPassCoder {
-  MqDecoder d;
+// Where decoded coefficients go: kept in memory and read only when a coefficient is
+// written, so that the MQ registers and the scan have the machine registers to themselves.
+struct Target {
   Kro32s* dst;
-  int step;
+  ptrdiff_t step;
+  Kro32s* row0;  // first row of the current stripe
   Plane pl;
 
-  int Bit(int ctx, int, int) { return mqDecoderDecode(d, ctx); }
-  uint32_t Sign(uint32_t lut, int, int) {
-    return static_cast<uint32_t>(mqDecoderDecode(d, static_cast<int>(lut & 0xFF))) ^ (lut >> 31);
+  KRO_T1_INLINE Kro32s* At(int x, int r) const { return ByteOffset(row0, r * step) + x; }
+};
+
+// Decoder side of the pass scans: every decision comes from the MQ decoder, whose
+// registers live in locals for the length of the pass.
+template <bool kSkewed>
+struct MqPassCoder {
+  MqDecLocal d;
+  Target* t;
+
+  KRO_T1_INLINE int Decode(int ctx) { return kSkewed ? d.DecodeSkewed(ctx) : d.Decode(ctx); }
+  KRO_T1_INLINE void Stripe(int y0, int) { t->row0 = ByteOffset(t->dst, y0 * t->step); }
+  KRO_T1_INLINE int Bit(int ctx, int, int) { return Decode(ctx); }
+  KRO_T1_INLINE uint32_t Sign(uint32_t lut, int, int) {
+    return static_cast<uint32_t>(Decode(static_cast<int>(lut & 0xFF))) ^ (lut >> 31);
   }
-  void Significant(int x, int y, uint32_t neg) {
-    At(dst, step, x, y) = static_cast<Kro32s>((neg << 31) | pl.sig);
+  KRO_T1_INLINE void Significant(int x, int r, uint32_t neg) {
+    StoreCoef(t->At(x, r), (neg << 31) | t->pl.sig);
   }
-  void Refine(int ctx, int x, int y) {
-    const uint32_t r = static_cast<uint32_t>(mqDecoderDecode(d, ctx));
-    Kro32s& c = At(dst, step, x, y);
-    c = static_cast<Kro32s>((static_cast<uint32_t>(c) & pl.upper) | (r << pl.p) | pl.half);
+  KRO_T1_INLINE void Refine(int ctx, int x, int r) {
+    const uint32_t bit = static_cast<uint32_t>(Decode(ctx));
+    Kro32s* c = t->At(x, r);
+    StoreCoef(c, (LoadCoef(c) & t->pl.upper) | ((0u - bit) & t->pl.one) | t->pl.half);
   }
-  int RunLength(int, int) { return mqDecoderDecode(d, kCtxRunLength); }
-  int RunPosition(int, int) {
-    const int hi = mqDecoderDecode(d, kCtxUniform);
-    return (hi << 1) | mqDecoderDecode(d, kCtxUniform);
+  KRO_T1_INLINE int RunLength(int) { return Decode(kCtxRunLength); }
+  KRO_T1_INLINE int RunPosition(int) {
+    const int hi = Decode(kCtxUniform);
+    return (hi << 1) | Decode(kCtxUniform);
   }
 };
 
 // The raw passes read significance, sign (1 = negative) and refinement bits directly.
 struct RawPassCoder {
   RawReader r;
-  Kro32s* dst;
-  int step;
-  Plane pl;
+  Target* t;
 
-  int Bit(int, int, int) { return RawReadBit(r); }
-  uint32_t Sign(uint32_t, int, int) { return static_cast<uint32_t>(RawReadBit(r)); }
-  void Significant(int x, int y, uint32_t neg) {
-    At(dst, step, x, y) = static_cast<Kro32s>((neg << 31) | pl.sig);
+  KRO_T1_INLINE void Stripe(int y0, int) { t->row0 = ByteOffset(t->dst, y0 * t->step); }
+  KRO_T1_INLINE int Bit(int, int, int) { return RawReadBit(r); }
+  KRO_T1_INLINE uint32_t Sign(uint32_t, int, int) { return static_cast<uint32_t>(RawReadBit(r)); }
+  KRO_T1_INLINE void Significant(int x, int i, uint32_t neg) {
+    StoreCoef(t->At(x, i), (neg << 31) | t->pl.sig);
   }
-  void Refine(int, int x, int y) {
-    const uint32_t r_bit = static_cast<uint32_t>(RawReadBit(r));
-    Kro32s& c = At(dst, step, x, y);
-    c = static_cast<Kro32s>((static_cast<uint32_t>(c) & pl.upper) | (r_bit << pl.p) | pl.half);
+  KRO_T1_INLINE void Refine(int, int x, int i) {
+    const uint32_t bit = static_cast<uint32_t>(RawReadBit(r));
+    Kro32s* c = t->At(x, i);
+    StoreCoef(c, (LoadCoef(c) & t->pl.upper) | ((0u - bit) & t->pl.one) | t->pl.half);
   }
-  int RunLength(int, int) { return 0; }  // raw coding has no cleanup pass
-  int RunPosition(int, int) { return 0; }
+  int RunLength(int) { return 0; }  // raw coding has no cleanup pass
+  int RunPosition(int) { return 0; }
 };
+
+Target TargetOf(const ProgrState& s) { return {s.dst, s.step, s.dst, PlaneOf(s.bitplane)}; }
 
 Nbh NbhOf(const ProgrState& s) {
   return MakeNbh(s.nbh, s.size.width, s.size.height, (s.flags & kFlagCausal) != 0);
 }
 
-// Ends an MQ pass: termination check (which decides the result when enabled), context
-// reset, registers back into the state.
-int FinishMqPass(ProgrState& s, MqPassCoder& c, int err, bool check) {
-  if (check) err = mqDecoderCheckErrPredTerm(c.d);
-  if (s.flags & kFlagReset) mqDecoderResetCtx(c.d);
-  s.mq = c.d;
+// Ends an MQ pass: registers back into the state, termination check (which decides the
+// result when enabled), context reset.
+template <class C>
+int FinishMqPass(ProgrState& s, C& c, int err, bool check) {
+  c.d.Store(s.mq);
+  if (check) err = mqDecoderCheckErrPredTerm(s.mq);
+  if (s.flags & kFlagReset) mqDecoderResetCtx(s.mq);
   return err;
 }
 
 }  // namespace
 
 int cleanup(ProgrState& s, bool check) {
-  MqPassCoder c{s.mq, s.dst, s.step, PlaneOf(s.bitplane)};
+  Target t = TargetOf(s);
+  MqPassCoder<true> c{MqDecLocal(s.mq), &t};
   CleanupScan(NbhOf(s), s.zc, c);
   int err = 0;
   if (s.flags & kFlagSegSym) {
     int v = 0;
-    for (int i = 0; i < 4; ++i) v = (v << 1) | mqDecoderDecode(c.d, kCtxUniform);
+    for (int i = 0; i < 4; ++i) v = (v << 1) | c.Decode(kCtxUniform);
     err = v != 0xA;
   }
   // A failed segmentation symbol is forgiven when the termination check passes: the
@@ -111,19 +125,22 @@ int cleanup(ProgrState& s, bool check) {
 }
 
 int significancePropagation(ProgrState& s, bool check) {
-  MqPassCoder c{s.mq, s.dst, s.step, PlaneOf(s.bitplane)};
+  Target t = TargetOf(s);
+  MqPassCoder<false> c{MqDecLocal(s.mq), &t};
   SignificancePropagationScan(NbhOf(s), s.zc, c);
   return FinishMqPass(s, c, 0, check);
 }
 
 int magnitudeRefinement(ProgrState& s, bool check) {
-  MqPassCoder c{s.mq, s.dst, s.step, PlaneOf(s.bitplane)};
+  Target t = TargetOf(s);
+  MqPassCoder<false> c{MqDecLocal(s.mq), &t};
   MagnitudeRefinementScan(NbhOf(s), c);
   return FinishMqPass(s, c, 0, check);
 }
 
 int significancePropagationRaw(ProgrState& s, bool check) {
-  RawPassCoder c{s.raw, s.dst, s.step, PlaneOf(s.bitplane)};
+  Target t = TargetOf(s);
+  RawPassCoder c{s.raw, &t};
   SignificancePropagationScan(NbhOf(s), s.zc, c);
   const int err = check ? RawCheckTermination(c.r) : 0;
   s.raw = c.r;
@@ -131,7 +148,8 @@ int significancePropagationRaw(ProgrState& s, bool check) {
 }
 
 int magnitudeRefinementRaw(ProgrState& s, bool check) {
-  RawPassCoder c{s.raw, s.dst, s.step, PlaneOf(s.bitplane)};
+  Target t = TargetOf(s);
+  RawPassCoder c{s.raw, &t};
   MagnitudeRefinementScan(NbhOf(s), c);
   const int err = check ? RawCheckTermination(c.r) : 0;
   s.raw = c.r;

@@ -6,6 +6,8 @@
 #include <limits.h>
 #include <string.h>
 
+#include <algorithm>
+
 #include "codeblock_impl.h"
 #include "kro_checks.h"
 #include "mq_coder.h"
@@ -64,57 +66,59 @@ using State = KroiEncodeState_JPEG2K;
 
 // Encoder side of the pass scans: each decision is the coefficient's own bit, recorded
 // with its context; newly significant and refined coefficients add their distortion
-// reduction to the pass.
+// reduction to the pass. Magnitudes are read with their sign bit: the plane bits and the
+// distortion indexes never reach bit 31.
 struct PassRecorder {
   const Kro32s* src;
   int step;
+  const Kro32s* row[4];
   int p;
   bool raw;
-  Kro8u* out;
-  Kro32s n;
-  Kro32s dist;
+  Kro8u* out;  // next decision
+  uint32_t dist;
   const Kro32s* fs;
   const Kro32s* fm;
+  int s1, s2;  // distortion index: ((v >> s1) << s2) & mask
 
-  uint32_t Value(int x, int y) const { return static_cast<uint32_t>(RowPtr(src, step, y)[x]); }
-  uint32_t Mag(int x, int y) const { return Value(x, y) & 0x7FFFFFFFu; }
-  void Put(int ctx, uint32_t bit) {
-    out[n++] = static_cast<Kro8u>((ctx << 1) | static_cast<int>(bit));
+  KRO_T1_INLINE void Stripe(int y0, int rows) {
+    for (int r = 0; r < rows; ++r) row[r] = RowPtr(src, step, y0 + r);
+  }
+  KRO_T1_INLINE uint32_t Value(int x, int r) const { return LoadCoef(row[r] + x); }
+  KRO_T1_INLINE void Put(uint32_t ctx, uint32_t bit) {
+    *out++ = static_cast<Kro8u>((ctx << 1) | bit);
   }
   // Six (Fs) or seven (Fm) magnitude bits from plane p down; missing planes below 0 read 0.
-  uint32_t Index(uint32_t m, uint32_t mask) const {
-    return (p >= 6 ? m >> (p - 6) : m << (6 - p)) & mask;
-  }
+  KRO_T1_INLINE uint32_t Index(uint32_t v, uint32_t mask) const { return ((v >> s1) << s2) & mask; }
 
-  int Bit(int ctx, int x, int y) {
-    const uint32_t b = (Mag(x, y) >> p) & 1u;
-    Put(raw ? 0 : ctx, b);
+  KRO_T1_INLINE int Bit(int ctx, int x, int r) {
+    const uint32_t b = (Value(x, r) >> p) & 1u;
+    Put(raw ? 0u : static_cast<uint32_t>(ctx), b);
     return static_cast<int>(b);
   }
-  uint32_t Sign(uint32_t lut, int x, int y) {
-    const uint32_t s = Value(x, y) >> 31;
+  KRO_T1_INLINE uint32_t Sign(uint32_t lut, int x, int r) {
+    const uint32_t s = Value(x, r) >> 31;
     if (raw)
       Put(0, s);
     else
-      Put(static_cast<int>(lut & 0xFF), s ^ (lut >> 31));
+      Put(lut & 0xFF, s ^ (lut >> 31));
     return s;
   }
-  void Significant(int x, int y, uint32_t) { dist = AddWrap32(dist, fs[Index(Mag(x, y), 63)]); }
-  void Refine(int ctx, int x, int y) {
-    const uint32_t m = Mag(x, y);
-    Put(raw ? 0 : ctx, (m >> p) & 1u);
-    dist = AddWrap32(dist, fm[Index(m, 127)]);
+  KRO_T1_INLINE void Significant(int x, int r, uint32_t) {
+    dist += static_cast<uint32_t>(fs[Index(Value(x, r), 63)]);
   }
-  int RunLength(int x, int y0) {
-    uint32_t any = 0;
-    for (int r = 0; r < 4; ++r) any |= Mag(x, y0 + r) >> p;
-    any &= 1u;
+  KRO_T1_INLINE void Refine(int ctx, int x, int r) {
+    const uint32_t v = Value(x, r);
+    Put(raw ? 0u : static_cast<uint32_t>(ctx), (v >> p) & 1u);
+    dist += static_cast<uint32_t>(fm[Index(v, 127)]);
+  }
+  KRO_T1_INLINE int RunLength(int x) {
+    const uint32_t any = ((Value(x, 0) | Value(x, 1) | Value(x, 2) | Value(x, 3)) >> p) & 1u;
     Put(kCtxRunLength, any);
     return static_cast<int>(any);
   }
-  int RunPosition(int x, int y0) {
+  KRO_T1_INLINE int RunPosition(int x) {
     int r = 0;
-    while (!((Mag(x, y0 + r) >> p) & 1u)) ++r;
+    while (!((Value(x, r) >> p) & 1u)) ++r;
     Put(kCtxUniform, static_cast<uint32_t>(r >> 1));
     Put(kCtxUniform, static_cast<uint32_t>(r & 1));
     return r;
@@ -139,15 +143,18 @@ struct Coding {
 void RunPass(Coding& c, PassType type, int p, bool raw) {
   Book& bk = *c.bk;
   const bool exact = c.lossless && p == c.p_low;
+  Kro8u* const first = c.st->decisions + bk.total_dec;
   PassRecorder rec{c.src,
                    c.step,
+                   {},
                    p,
                    raw,
-                   c.st->decisions,
-                   bk.total_dec,
+                   first,
                    0,
                    exact ? FsLossless_LUT.data() : FsLossy_LUT.data(),
-                   exact ? FmLossless_LUT.data() : FmLossy_LUT.data()};
+                   exact ? FmLossless_LUT.data() : FmLossy_LUT.data(),
+                   p >= 6 ? p - 6 : 0,
+                   p >= 6 ? 0 : 6 - p};
   if (type == PassType::kPropagation) {
     SignificancePropagationScan(c.nbh, c.zc, rec);
   } else if (type == PassType::kRefinement) {
@@ -159,10 +166,11 @@ void RunPass(Coding& c, PassType type, int p, bool raw) {
     }
   }
   const int k = bk.n_passes++;
-  bk.pass_ndec[k] = rec.n - bk.total_dec;
+  const Kro32s n = static_cast<Kro32s>(rec.out - first);
+  bk.pass_ndec[k] = n;
   bk.pass_raw[k] = raw ? 1 : 0;
-  bk.total_dec = rec.n;
-  c.st->dist_mant[k] = rec.dist;
+  bk.total_dec += n;
+  c.st->dist_mant[k] = static_cast<Kro32s>(rec.dist);
   c.st->dist_exp[k] = c.st->cur_exp;
   c.st->pass_index = bk.n_passes;
 }
@@ -237,9 +245,38 @@ void EndPass(Book& bk) {
   bk.terminated = 0;
 }
 
+// Codes n recorded decisions of an MQ pass with the registers in locals. Under minimal
+// termination the queue is offered to the caller after every decision that produced a
+// byte, as the one-at-a-time drain does, because held-back bytes are released by rules
+// that look at the queue after each decision.
+template <bool kHold, bool kSkewed>
+void MqCodeDecisions(Book& bk, const Kro8u* d, int n, Kro8u* dst, int& out, int want) {
+  MqEncoder& e = bk.mq;
+  MqEncLocal l(e);
+  for (int i = 0; i < n; ++i) {
+    const uint32_t v = d[i];
+    const int32_t qw = l.qw;
+    if constexpr (kSkewed)
+      l.EncodeSkewed(v & 1u, v >> 1);
+    else
+      l.Encode(v & 1u, v >> 1);
+    if (kHold && l.qw != qw) {
+      l.Store(e);
+      out += Deliver(bk, dst + out, want - out);
+    }
+  }
+  l.Store(e);
+}
+
+// Passes 0, 3, 6, ... are cleanup passes.
+bool IsCleanup(int pass) { return pass % 3 == 0; }
+
 // The deferred coder: codes recorded decisions only while the caller wants bytes, ends
 // segments with their termination and passes with their bookkeeping. The bytes, pass
-// lengths and rates do not depend on how the caller splits its requests.
+// lengths and rates do not depend on how the caller splits its requests. Decisions are
+// coded one at a time near the end of the caller's buffer, and otherwise in batches that
+// cannot fill it (an MQ decision gives at most three bytes, a raw one at most one), so
+// that a batch ends in the state the one-at-a-time drain would reach.
 int decEncoderMQEncodeAndTerminate(Book& bk, const Kro8u* decisions, Kro8u* dst, int want) {
   int out = 0;
   while (bk.pass < bk.n_passes) {
@@ -247,12 +284,31 @@ int decEncoderMQEncodeAndTerminate(Book& bk, const Kro8u* decisions, Kro8u* dst,
     if (bk.cursor < bk.pass_end) {
       if (out == want) break;
       MqEncoder& e = bk.mq;
-      if (e.qr == e.qw) e.qr = e.qw = 0;
-      const Kro8u d = decisions[bk.cursor++];
-      if (bk.pass_raw[bk.pass])
-        RawPutBit(e, d & 1);
-      else
-        mqEncode(e, d & 1, d >> 1);
+      if (e.qr == e.qw)
+        e.qr = e.qw = 0;
+      else if (e.qw > kMqQueueSize / 2)
+        MqCompactQueue(e);
+      const bool raw = bk.pass_raw[bk.pass] != 0;
+      const int per = raw ? 1 : 3;
+      int n = bk.pass_end - bk.cursor;
+      n = std::min(n, (want - out - (e.qw - e.qr) - 1) / per);
+      n = std::min(n, (kMqQueueSize - e.qw) / per);
+      n = std::max(n, 1);
+      const Kro8u* d = decisions + bk.cursor;
+      bk.cursor += n;
+      if (raw) {
+        for (int i = 0; i < n; ++i) RawPutBit(e, d[i] & 1);
+      } else if (IsCleanup(bk.pass)) {
+        if (e.hold_ones)
+          MqCodeDecisions<true, true>(bk, d, n, dst, out, want);
+        else
+          MqCodeDecisions<false, true>(bk, d, n, dst, out, want);
+      } else {
+        if (e.hold_ones)
+          MqCodeDecisions<true, false>(bk, d, n, dst, out, want);
+        else
+          MqCodeDecisions<false, false>(bk, d, n, dst, out, want);
+      }
       continue;
     }
     if (!bk.terminated && SegmentEndsAt(bk, bk.pass)) {

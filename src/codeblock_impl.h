@@ -2,11 +2,22 @@
 // Tier-1 coding passes (T.800 D.3) shared by the code-block encoder and decoders: the
 // neighbourhood-state words and one scan per pass, parameterised by a coder that either
 // decodes a decision or records the one the encoder makes.
+//
+// Where the time goes: on photographic sub-bands every coefficient takes about one
+// decision per bit-plane once it is significant or next to a significant one, and most
+// of the rest sit in columns that a pass skips. So the scans test a whole stripe column
+// (two state words) for candidates before looking at a row, unroll the four rows of a
+// stripe so that the word, the half and the update masks are constants, and hand the
+// coder a stripe's row pointers once instead of addressing every coefficient afresh.
 #ifndef KROJ_SRC_CODEBLOCK_IMPL_H_
 #define KROJ_SRC_CODEBLOCK_IMPL_H_
 
+#include <string.h>
+
 #include "kro_base.h"
 #include "tables.h"
+
+#define KRO_T1_INLINE inline __attribute__((always_inline))
 
 namespace kro::t1 {
 
@@ -56,6 +67,14 @@ inline const Kro32u* ZeroCodingTable(int subband) {
   return ZeroCodingLUT_LxHy.data();
 }
 
+// Coefficient rows may sit at any byte address (steps need not be multiples of 4).
+KRO_T1_INLINE uint32_t LoadCoef(const Kro32s* p) {
+  uint32_t v;
+  memcpy(&v, p, sizeof(v));
+  return v;
+}
+KRO_T1_INLINE void StoreCoef(Kro32s* p, uint32_t v) { memcpy(p, &v, sizeof(v)); }
+
 // A code-block's neighbourhood states: origin is the word of column 0, rows 0 and 1.
 struct Nbh {
   uint32_t* origin;
@@ -70,122 +89,334 @@ inline Nbh MakeNbh(void* buffer, int width, int height, bool causal) {
   return {static_cast<uint32_t*>(buffer) + pitch + 1, pitch, width, height, causal};
 }
 
-// The coefficient in word w, row y, becomes significant: set its own state and tell its
-// eight neighbours. In vertically causal mode (T.800 D.7) a stripe never learns about
-// the stripe below it, so the first row of a stripe leaves the row above untouched: no
-// context, candidate test or run-length test of that row then sees it, in any pass.
-inline void SetSignificant(const Nbh& n, uint32_t* w, int y, uint32_t negative) {
-  const ptrdiff_t p = n.pitch;
-  const uint32_t neg = negative ? ~0u : 0u;
-  if ((y & 1) == 0) {
-    w[0] |= kSig | kNbr | ((kSigN | kNbr | (kSgnN & neg)) << 16);
-    w[-1] |= kSigE | kNbr | (kSgnE & neg) | ((kSigNE | kNbr) << 16);
-    w[1] |= kSigW | kNbr | (kSgnW & neg) | ((kSigNW | kNbr) << 16);
-    if (!(n.causal && (y & 3) == 0)) {
-      w[-p] |= (kSigS | kNbr | (kSgnS & neg)) << 16;
+// Row R (0..3) of a stripe column becomes significant (neg: 0 or 1): set its own state
+// and tell its eight neighbours. The column's own two words (rows 0-1 and 2-3) are held
+// by the scan in c0 and c1 and stored when it leaves the column; the six neighbouring
+// columns' words and the rows above and below the stripe are updated in memory. In
+// vertically causal mode (T.800 D.7) a stripe never learns about the stripe below it,
+// so the first row of a stripe leaves the row above untouched: no context, candidate
+// test or run-length test of that row then sees it, in any pass.
+template <int R>
+KRO_T1_INLINE void SetSignificant(uint32_t* col, ptrdiff_t p, bool causal, uint32_t neg,
+                                  uint32_t& c0, uint32_t& c1) {
+  const uint32_t m = 0u - neg;
+  // The word of the row's pair in the neighbouring columns, and of the pair above/below.
+  uint32_t* w = col + (R >> 1) * p;
+  if constexpr ((R & 1) == 0) {
+    uint32_t& own = R == 0 ? c0 : c1;
+    own |= kSig | kNbr | ((kSigN | kNbr | (kSgnN & m)) << 16);
+    w[-1] |= kSigE | kNbr | (kSgnE & m) | ((kSigNE | kNbr) << 16);
+    w[1] |= kSigW | kNbr | (kSgnW & m) | ((kSigNW | kNbr) << 16);
+    if (R == 2) {
+      c0 |= (kSigS | kNbr | (kSgnS & m)) << 16;
+      col[-1] |= (kSigSE | kNbr) << 16;
+      col[1] |= (kSigSW | kNbr) << 16;
+    } else if (!causal) {
+      w[-p] |= (kSigS | kNbr | (kSgnS & m)) << 16;
       w[-p - 1] |= (kSigSE | kNbr) << 16;
       w[-p + 1] |= (kSigSW | kNbr) << 16;
     }
   } else {
-    w[0] |= ((kSig | kNbr) << 16) | kSigS | kNbr | (kSgnS & neg);
-    w[-1] |= ((kSigE | kNbr | (kSgnE & neg)) << 16) | kSigSE | kNbr;
-    w[1] |= ((kSigW | kNbr | (kSgnW & neg)) << 16) | kSigSW | kNbr;
-    w[p] |= kSigN | kNbr | (kSgnN & neg);
+    uint32_t& own = R == 1 ? c0 : c1;
+    own |= ((kSig | kNbr) << 16) | kSigS | kNbr | (kSgnS & m);
+    w[-1] |= ((kSigE | kNbr | (kSgnE & m)) << 16) | kSigSE | kNbr;
+    w[1] |= ((kSigW | kNbr | (kSgnW & m)) << 16) | kSigSW | kNbr;
+    if (R == 1) {
+      c1 |= kSigN | kNbr | (kSgnN & m);
+    } else {
+      w[p] |= kSigN | kNbr | (kSgnN & m);
+    }
     w[p - 1] |= kSigNE | kNbr;
     w[p + 1] |= kSigNW | kNbr;
   }
 }
 
 // The passes below scan stripes of four rows, column by column, top to bottom within a
-// column. The coder C supplies, for the coefficient at (x, y):
-//   int Bit(int ctx, int x, int y)          significance decision (zero coding)
-//   uint32_t Sign(uint32_t lut, int x, int y) sign from a SignCodingLUT entry, 1 = negative
-//   void Significant(int x, int y, uint32_t negative)
-//   void Refine(int ctx, int x, int y)      magnitude refinement
-//   int RunLength(int x, int y0)            cleanup run: does one of four rows become significant
-//   int RunPosition(int x, int y0)          the first of them, 0..3
+// column. The coder C supplies, for row r (0..3) of column x in the current stripe:
+//   void Stripe(int y0, int rows)           a new stripe starts at row y0
+//   int Bit(int ctx, int x, int r)          significance decision (zero coding)
+//   uint32_t Sign(uint32_t lut, int x, int r) sign from a SignCodingLUT entry, 1 = negative
+//   void Significant(int x, int r, uint32_t negative)
+//   void Refine(int ctx, int x, int r)      magnitude refinement
+//   int RunLength(int x)                    cleanup run: does one of the four rows become
+//                                           significant
+//   int RunPosition(int x)                  the first of them, 0..3
+
+// State-word masks of the rows that exist in a stripe of `rows` rows: the first and the
+// second word of a column.
+constexpr uint32_t RowsMask0(int rows) { return rows >= 2 ? ~0u : 0xFFFFu; }
+constexpr uint32_t RowsMask1(int rows) { return rows >= 4 ? ~0u : (rows == 3 ? 0xFFFFu : 0u); }
+
+// Two adjacent state words read as one 64-bit value (first column in the low half). The
+// candidate tests shift within 16-bit states only, so they work on two columns at once;
+// the scans use them to pass over four columns without candidates in one step.
+KRO_T1_INLINE uint64_t Load2(const uint32_t* w) {
+  uint64_t v;
+  memcpy(&v, w, sizeof(v));
+  return v;
+}
+
+// State of row R from the column's words.
+template <int R>
+KRO_T1_INLINE uint32_t RowState(uint32_t c0, uint32_t c1) {
+  return (R < 2 ? c0 : c1) >> ((R & 1) * 16);
+}
+template <int R>
+KRO_T1_INLINE void MarkRow(uint32_t& c0, uint32_t& c1, uint32_t bits) {
+  (R < 2 ? c0 : c1) |= bits << ((R & 1) * 16);
+}
+
+// Zero coding of row R (T.800 D.3.1), and on a 1 its sign and the neighbourhood update.
+template <int R, class C>
+KRO_T1_INLINE void CodeRow(uint32_t st, uint32_t* col, ptrdiff_t p, bool causal,
+                           const Kro32u* zc, C& coder, int x, uint32_t& c0, uint32_t& c1) {
+  if (coder.Bit(static_cast<int>(zc[st & 0xFF]), x, R)) {
+    const uint32_t neg = coder.Sign(SignCodingLUT[(st >> 4) & 0x1FF], x, R);
+    coder.Significant(x, R, neg);
+    SetSignificant<R>(col, p, causal, neg, c0, c1);
+  }
+}
 
 // T.800 D.3.1 significance propagation: insignificant coefficients with a significant
-// neighbour.
+// neighbour (bit 13 without bit 15).
+template <class T>
+KRO_T1_INLINE T PropagationCandidates(T w) {
+  return w & ~(w >> 2) & static_cast<T>(kNbr * kBoth * uint64_t{0x100000001u});
+}
+
+template <int R, class C>
+KRO_T1_INLINE void PropagationRow(uint32_t* col, ptrdiff_t p, bool causal, const Kro32u* zc,
+                                  C& coder, int x, uint32_t& c0, uint32_t& c1) {
+  const uint32_t st = RowState<R>(c0, c1);
+  if ((st & (kSig | kNbr)) != kNbr) return;
+  MarkRow<R>(c0, c1, kVisited);
+  CodeRow<R>(st, col, p, causal, zc, coder, x, c0, c1);
+}
+
+template <int kRows, class C>
+KRO_T1_INLINE void PropagationColumn(uint32_t* col, ptrdiff_t p, bool causal, const Kro32u* zc,
+                                     C& coder, int x) {
+  uint32_t c0 = col[0], c1 = col[p];
+  if (((PropagationCandidates(c0) & RowsMask0(kRows)) |
+       (PropagationCandidates(c1) & RowsMask1(kRows))) == 0)
+    return;
+  PropagationRow<0>(col, p, causal, zc, coder, x, c0, c1);
+  if constexpr (kRows > 1) PropagationRow<1>(col, p, causal, zc, coder, x, c0, c1);
+  if constexpr (kRows > 2) PropagationRow<2>(col, p, causal, zc, coder, x, c0, c1);
+  if constexpr (kRows > 3) PropagationRow<3>(col, p, causal, zc, coder, x, c0, c1);
+  col[0] = c0;
+  col[p] = c1;
+}
+
+template <int kRows, class C>
+KRO_T1_INLINE void PropagationStripe(uint32_t* col, ptrdiff_t p, int width, bool causal,
+                                     const Kro32u* zc, C& coder) {
+  int x = 0;
+  if constexpr (kRows == 4) {
+    for (; x + 4 <= width; x += 4, col += 4) {
+      if ((PropagationCandidates(Load2(col)) | PropagationCandidates(Load2(col + 2)) |
+           PropagationCandidates(Load2(col + p)) | PropagationCandidates(Load2(col + p + 2))) == 0)
+        continue;
+      for (int i = 0; i < 4; ++i) PropagationColumn<4>(col + i, p, causal, zc, coder, x + i);
+    }
+  }
+  for (; x < width; ++x, ++col) PropagationColumn<kRows>(col, p, causal, zc, coder, x);
+}
+
 template <class C>
-void SignificancePropagationScan(const Nbh& n, const Kro32u* zc, C& coder) {
+KRO_T1_INLINE void SignificancePropagationScan(const Nbh& n, const Kro32u* zc, C& coder) {
+  const ptrdiff_t p = n.pitch;
   for (int y0 = 0; y0 < n.height; y0 += 4) {
     const int rows = n.height - y0 < 4 ? n.height - y0 : 4;
-    uint32_t* col = n.origin + (y0 >> 1) * n.pitch;
-    for (int x = 0; x < n.width; ++x, ++col) {
-      if (((col[0] | col[n.pitch]) & (kNbr * kBoth)) == 0) continue;
-      for (int r = 0; r < rows; ++r) {
-        uint32_t* w = col + (r >> 1) * n.pitch;
-        const int sh = (r & 1) * 16;
-        const uint32_t st = *w >> sh;
-        if ((st & (kSig | kNbr)) != kNbr) continue;
-        *w |= kVisited << sh;
-        const int y = y0 + r;
-        if (coder.Bit(static_cast<int>(zc[st & 0xFF]), x, y)) {
-          const uint32_t neg = coder.Sign(SignCodingLUT[(st >> 4) & 0x1FF], x, y);
-          coder.Significant(x, y, neg);
-          SetSignificant(n, w, y, neg);
-        }
-      }
+    coder.Stripe(y0, rows);
+    uint32_t* col = n.origin + (y0 >> 1) * p;
+    switch (rows) {
+      case 4:
+        PropagationStripe<4>(col, p, n.width, n.causal, zc, coder);
+        break;
+      case 3:
+        PropagationStripe<3>(col, p, n.width, n.causal, zc, coder);
+        break;
+      case 2:
+        PropagationStripe<2>(col, p, n.width, n.causal, zc, coder);
+        break;
+      default:
+        PropagationStripe<1>(col, p, n.width, n.causal, zc, coder);
+        break;
     }
   }
 }
 
 // T.800 D.3.3 magnitude refinement: significant coefficients not coded in this plane's
-// propagation pass.
+// propagation pass (bit 15 without bit 14). Refinement changes no neighbour.
+template <class T>
+KRO_T1_INLINE T RefinementCandidates(T w) {
+  return w & ~(w << 1) & static_cast<T>(kSig * kBoth * uint64_t{0x100000001u});
+}
+
+template <int R, class C>
+KRO_T1_INLINE void RefinementRow(uint32_t& word, C& coder, int x) {
+  constexpr int sh = (R & 1) * 16;
+  const uint32_t st = word >> sh;
+  if ((st & (kSig | kVisited)) != kSig) return;
+  coder.Refine(static_cast<int>(MagnRefineLUT[st & 0x1FF]), x, R);
+  word |= kRefined << sh;
+}
+
+template <int kRows, class C>
+KRO_T1_INLINE void RefinementColumn(uint32_t* col, ptrdiff_t p, C& coder, int x) {
+  uint32_t c0 = col[0], c1 = col[p];
+  if (((RefinementCandidates(c0) & RowsMask0(kRows)) |
+       (RefinementCandidates(c1) & RowsMask1(kRows))) == 0)
+    return;
+  RefinementRow<0>(c0, coder, x);
+  if constexpr (kRows > 1) RefinementRow<1>(c0, coder, x);
+  col[0] = c0;
+  if constexpr (kRows > 2) {
+    RefinementRow<2>(c1, coder, x);
+    if constexpr (kRows > 3) RefinementRow<3>(c1, coder, x);
+    col[p] = c1;
+  }
+}
+
+template <int kRows, class C>
+KRO_T1_INLINE void RefinementStripe(uint32_t* col, ptrdiff_t p, int width, C& coder) {
+  int x = 0;
+  if constexpr (kRows == 4) {
+    for (; x + 4 <= width; x += 4, col += 4) {
+      if ((RefinementCandidates(Load2(col)) | RefinementCandidates(Load2(col + 2)) |
+           RefinementCandidates(Load2(col + p)) | RefinementCandidates(Load2(col + p + 2))) == 0)
+        continue;
+      for (int i = 0; i < 4; ++i) RefinementColumn<4>(col + i, p, coder, x + i);
+    }
+  }
+  for (; x < width; ++x, ++col) RefinementColumn<kRows>(col, p, coder, x);
+}
+
 template <class C>
-void MagnitudeRefinementScan(const Nbh& n, C& coder) {
+KRO_T1_INLINE void MagnitudeRefinementScan(const Nbh& n, C& coder) {
+  const ptrdiff_t p = n.pitch;
   for (int y0 = 0; y0 < n.height; y0 += 4) {
     const int rows = n.height - y0 < 4 ? n.height - y0 : 4;
-    uint32_t* col = n.origin + (y0 >> 1) * n.pitch;
-    for (int x = 0; x < n.width; ++x, ++col) {
-      if (((col[0] | col[n.pitch]) & (kSig * kBoth)) == 0) continue;
-      for (int r = 0; r < rows; ++r) {
-        uint32_t* w = col + (r >> 1) * n.pitch;
-        const int sh = (r & 1) * 16;
-        const uint32_t st = *w >> sh;
-        if ((st & (kSig | kVisited)) != kSig) continue;
-        coder.Refine(static_cast<int>(MagnRefineLUT[st & 0x1FF]), x, y0 + r);
-        *w |= kRefined << sh;
-      }
+    coder.Stripe(y0, rows);
+    uint32_t* col = n.origin + (y0 >> 1) * p;
+    switch (rows) {
+      case 4:
+        RefinementStripe<4>(col, p, n.width, coder);
+        break;
+      case 3:
+        RefinementStripe<3>(col, p, n.width, coder);
+        break;
+      case 2:
+        RefinementStripe<2>(col, p, n.width, coder);
+        break;
+      default:
+        RefinementStripe<1>(col, p, n.width, coder);
+        break;
     }
   }
 }
 
-// T.800 D.3.4 cleanup: everything not yet coded in this plane, with run-length coding of
-// full stripe columns whose four coefficients and all their neighbours are insignificant.
-// Clears the coded-in-propagation marks for the next plane.
+// T.800 D.3.4 cleanup: every row not yet significant and not coded in this plane's
+// propagation pass.
+template <int R, class C>
+KRO_T1_INLINE void CleanupRow(uint32_t* col, ptrdiff_t p, bool causal, const Kro32u* zc,
+                              C& coder, int x, uint32_t& c0, uint32_t& c1) {
+  const uint32_t st = RowState<R>(c0, c1);
+  if (st & (kSig | kVisited)) return;
+  CodeRow<R>(st, col, p, causal, zc, coder, x, c0, c1);
+}
+
+// The first significant row of a run, with its sign.
+template <int R, class C>
+KRO_T1_INLINE void RunStart(uint32_t* col, ptrdiff_t p, bool causal, C& coder, int x,
+                            uint32_t& c0, uint32_t& c1) {
+  const uint32_t st = RowState<R>(c0, c1);
+  const uint32_t neg = coder.Sign(SignCodingLUT[(st >> 4) & 0x1FF], x, R);
+  coder.Significant(x, R, neg);
+  SetSignificant<R>(col, p, causal, neg, c0, c1);
+}
+
+// Run-length coding (T.800 D.3.4) applies to full stripe columns whose four
+// coefficients and all their neighbours are insignificant: one decision for the column,
+// and when a coefficient becomes significant, its row and sign, then the rows below it
+// as usual. The coded-in-propagation marks are cleared for the next plane.
+template <int kRows, class C>
+KRO_T1_INLINE void CleanupColumn(uint32_t* col, ptrdiff_t p, bool causal, const Kro32u* zc,
+                                 C& coder, int x) {
+  constexpr uint32_t kRunBlockers = (kSig | kVisited | kNbr) * kBoth;
+  constexpr uint32_t kVisitedBoth = kVisited * kBoth;
+  uint32_t c0 = col[0], c1 = col[p];
+  if constexpr (kRows == 4) {
+    if (((c0 | c1) & kRunBlockers) == 0) {
+      if (!coder.RunLength(x)) return;  // nothing to clear either
+      switch (coder.RunPosition(x)) {
+        case 0:
+          RunStart<0>(col, p, causal, coder, x, c0, c1);
+          CleanupRow<1>(col, p, causal, zc, coder, x, c0, c1);
+          CleanupRow<2>(col, p, causal, zc, coder, x, c0, c1);
+          CleanupRow<3>(col, p, causal, zc, coder, x, c0, c1);
+          break;
+        case 1:
+          RunStart<1>(col, p, causal, coder, x, c0, c1);
+          CleanupRow<2>(col, p, causal, zc, coder, x, c0, c1);
+          CleanupRow<3>(col, p, causal, zc, coder, x, c0, c1);
+          break;
+        case 2:
+          RunStart<2>(col, p, causal, coder, x, c0, c1);
+          CleanupRow<3>(col, p, causal, zc, coder, x, c0, c1);
+          break;
+        default:
+          RunStart<3>(col, p, causal, coder, x, c0, c1);
+          break;
+      }
+      col[0] = c0;
+      col[p] = c1;
+      return;
+    }
+    // Nothing to code when every row is significant or visited.
+    if (((~(c0 | (c0 << 1)) | ~(c1 | (c1 << 1))) & (kSig * kBoth)) == 0) {
+      if ((c0 | c1) & kVisitedBoth) {
+        col[0] = c0 & ~kVisitedBoth;
+        col[p] = c1 & ~kVisitedBoth;
+      }
+      return;
+    }
+  }
+  CleanupRow<0>(col, p, causal, zc, coder, x, c0, c1);
+  if constexpr (kRows > 1) CleanupRow<1>(col, p, causal, zc, coder, x, c0, c1);
+  if constexpr (kRows > 2) CleanupRow<2>(col, p, causal, zc, coder, x, c0, c1);
+  if constexpr (kRows > 3) CleanupRow<3>(col, p, causal, zc, coder, x, c0, c1);
+  col[0] = c0 & ~kVisitedBoth;
+  col[p] = c1 & ~kVisitedBoth;
+}
+
+template <int kRows, class C>
+KRO_T1_INLINE void CleanupStripe(uint32_t* col, ptrdiff_t p, int width, bool causal,
+                                 const Kro32u* zc, C& coder) {
+  for (int x = 0; x < width; ++x, ++col) CleanupColumn<kRows>(col, p, causal, zc, coder, x);
+}
+
 template <class C>
-void CleanupScan(const Nbh& n, const Kro32u* zc, C& coder) {
+KRO_T1_INLINE void CleanupScan(const Nbh& n, const Kro32u* zc, C& coder) {
+  const ptrdiff_t p = n.pitch;
   for (int y0 = 0; y0 < n.height; y0 += 4) {
     const int rows = n.height - y0 < 4 ? n.height - y0 : 4;
-    uint32_t* col = n.origin + (y0 >> 1) * n.pitch;
-    for (int x = 0; x < n.width; ++x, ++col) {
-      int r = 0;
-      if (rows == 4 && ((col[0] | col[n.pitch]) & ((kSig | kVisited | kNbr) * kBoth)) == 0) {
-        if (!coder.RunLength(x, y0)) continue;  // nothing to clear either
-        r = coder.RunPosition(x, y0);
-        uint32_t* w = col + (r >> 1) * n.pitch;
-        const uint32_t st = *w >> ((r & 1) * 16);
-        const uint32_t neg = coder.Sign(SignCodingLUT[(st >> 4) & 0x1FF], x, y0 + r);
-        coder.Significant(x, y0 + r, neg);
-        SetSignificant(n, w, y0 + r, neg);
-        ++r;
-      }
-      for (; r < rows; ++r) {
-        uint32_t* w = col + (r >> 1) * n.pitch;
-        const int sh = (r & 1) * 16;
-        const uint32_t st = *w >> sh;
-        if (st & (kSig | kVisited)) continue;
-        const int y = y0 + r;
-        if (coder.Bit(static_cast<int>(zc[st & 0xFF]), x, y)) {
-          const uint32_t neg = coder.Sign(SignCodingLUT[(st >> 4) & 0x1FF], x, y);
-          coder.Significant(x, y, neg);
-          SetSignificant(n, w, y, neg);
-        }
-      }
-      col[0] &= ~(kVisited * kBoth);
-      col[n.pitch] &= ~(kVisited * kBoth);
+    coder.Stripe(y0, rows);
+    uint32_t* col = n.origin + (y0 >> 1) * p;
+    switch (rows) {
+      case 4:
+        CleanupStripe<4>(col, p, n.width, n.causal, zc, coder);
+        break;
+      case 3:
+        CleanupStripe<3>(col, p, n.width, n.causal, zc, coder);
+        break;
+      case 2:
+        CleanupStripe<2>(col, p, n.width, n.causal, zc, coder);
+        break;
+      default:
+        CleanupStripe<1>(col, p, n.width, n.causal, zc, coder);
+        break;
     }
   }
 }

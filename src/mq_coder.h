@@ -6,8 +6,14 @@
 #ifndef KROJ_SRC_MQ_CODER_H_
 #define KROJ_SRC_MQ_CODER_H_
 
+#include <string.h>
+
 #include "kro_base.h"
 #include "tables.h"
+
+#ifndef KRO_T1_INLINE
+#define KRO_T1_INLINE inline __attribute__((always_inline))
+#endif
 
 namespace kro {
 
@@ -60,35 +66,128 @@ struct MqDecoder {
   int32_t marker;  // 0xFF followed by a byte above 0x8F met: only 1-bits from now on
 };
 
-// T.800 C.3.4 BYTEIN, complemented; a stuffed byte after 0xFF contributes 7 bits.
+// The decoder's A, C and CT copied into locals for the length of a pass; every decision
+// goes through here, so they live in machine registers while a pass runs and return to
+// the state at its end. The byte source, needed every eighth shift at most, stays in the
+// state.
+struct MqDecLocal {
+  uint32_t a;
+  uint32_t c;
+  uint32_t ct;
+  uint8_t* ctx;
+  MqDecoder* d;
+
+  explicit MqDecLocal(MqDecoder& dec) : a(dec.a), c(dec.c), ct(dec.ct), ctx(dec.ctx), d(&dec) {}
+  void Store(MqDecoder& dec) const {
+    dec.a = a;
+    dec.c = c;
+    dec.ct = ct;
+  }
+
+  // T.800 C.3.4 BYTEIN, complemented; a stuffed byte after 0xFF contributes 7 bits.
+  KRO_T1_INLINE void ByteIn() {
+    if (d->marker) {
+      ct = 8;
+      return;
+    }
+    const uint32_t b = byteChainGetCurr(d->chain);
+    const uint32_t b1 = byteChainGetNext(d->chain);
+    if (b < 0xFF) {
+      ++d->chain.pos;
+      c += 0xFF00u - (b1 << 8);
+      ct = 8;
+    } else if (b1 < 0x90) {
+      ++d->chain.pos;
+      c += 0xFE00u - (b1 << 9);
+      ct = 7;
+    } else {
+      d->marker = 1;
+      ct = 8;
+    }
+  }
+
+  // T.800 C.3.3 RENORMD: shift until bit 15 of A is set, a byte entering whenever CT
+  // has run out; done a run of shifts at a time (A is never 0 here).
+  KRO_T1_INLINE void Renorm() {
+    uint32_t n = static_cast<uint32_t>(__builtin_clz(a)) - 16u;
+    if (n <= ct) {  // the usual case: no byte needed
+      a <<= n;
+      c <<= n;
+      ct -= n;
+      return;
+    }
+    while (n > 0) {
+      if (ct == 0) ByteIn();
+      const uint32_t k = n < ct ? n : ct;
+      a <<= k;
+      c <<= k;
+      ct -= k;
+      n -= k;
+    }
+  }
+
+  // T.800 C.3.2 DECODE with the conditional exchanges. Written without branches: which
+  // half of the interval the code value lies in is close to a coin toss on the
+  // low bit-planes, and a mispredicted branch costs more than the few selects here.
+  // An MPS that leaves bit 15 of A set changes neither the context nor the registers
+  // beyond A and needs no renormalisation (the shift count is then 0).
+  KRO_T1_INLINE int Decode(int cx) {
+    uint8_t& st = ctx[cx];
+    const uint32_t s = st;
+    const MqTransition t = kMqTransitions[s];
+    const uint32_t qe = t.qe;
+    a -= qe;
+    const uint32_t lower = a <= (c >> 16);  // T.800's LPS sub-interval (C complemented)
+    const uint32_t flip = (a < qe ? 1u : 0u) ^ lower;  // the decision is 1 - MPS
+    c -= (a << 16) & (0u - lower);
+    a = lower ? qe : a;
+    const uint32_t next = flip ? t.next_lps : t.next_mps;
+    st = static_cast<uint8_t>((a & 0x8000u) ? s : next);
+    Renorm();
+    return static_cast<int>((s & 1u) ^ flip);
+  }
+
+  // The same with branches, for contexts whose decisions are mostly the MPS without
+  // renormalisation (the cleanup pass, run lengths): there the branches predict well and
+  // the short path is shorter.
+  KRO_T1_INLINE int DecodeSkewed(int cx) {
+    uint8_t& st = ctx[cx];
+    const MqTransition t = kMqTransitions[st];
+    int bit = st & 1;
+    a -= t.qe;
+    if (a <= (c >> 16)) {
+      c -= a << 16;
+      if (a < t.qe) {
+        st = t.next_mps;
+      } else {
+        bit ^= 1;
+        st = t.next_lps;
+      }
+      a = t.qe;
+    } else {
+      if (a & 0x8000u) return bit;
+      if (a < t.qe) {
+        bit ^= 1;
+        st = t.next_lps;
+      } else {
+        st = t.next_mps;
+      }
+    }
+    Renorm();
+    return bit;
+  }
+};
+
 inline void mqDecoderByteIn(MqDecoder& d) {
-  if (d.marker) {
-    d.ct = 8;
-    return;
-  }
-  const uint32_t b = byteChainGetCurr(d.chain);
-  const uint32_t b1 = byteChainGetNext(d.chain);
-  if (b < 0xFF) {
-    ++d.chain.pos;
-    d.c += 0xFF00u - (b1 << 8);
-    d.ct = 8;
-  } else if (b1 < 0x90) {
-    ++d.chain.pos;
-    d.c += 0xFE00u - (b1 << 9);
-    d.ct = 7;
-  } else {
-    d.marker = 1;
-    d.ct = 8;
-  }
+  MqDecLocal l(d);
+  l.ByteIn();
+  l.Store(d);
 }
 
 inline void mqDecoderRenorm(MqDecoder& d) {
-  do {
-    if (d.ct == 0) mqDecoderByteIn(d);
-    d.a <<= 1;
-    d.c <<= 1;
-    --d.ct;
-  } while (!(d.a & 0x8000u));
+  MqDecLocal l(d);
+  l.Renorm();
+  l.Store(d);
 }
 
 // T.800 C.3.5 INITDEC.
@@ -104,32 +203,10 @@ inline void mqDecoderInit(MqDecoder& d, const uint8_t* data, int32_t length) {
 
 inline void mqDecoderResetCtx(MqDecoder& d) { MqResetContexts(d.ctx); }
 
-// T.800 C.3.2 DECODE with the conditional exchanges; the MPS path that needs no
-// renormalisation touches neither the context nor the tables beyond Qe.
 inline int mqDecoderDecode(MqDecoder& d, int cx) {
-  uint8_t& st = d.ctx[cx];
-  const MqTransition& t = kMqTransitions[st];
-  int bit = st & 1;
-  d.a -= t.qe;
-  if (d.a <= (d.c >> 16)) {
-    d.c -= d.a << 16;
-    if (d.a < t.qe) {
-      st = static_cast<uint8_t>(t.next_mps);
-    } else {
-      bit ^= 1;
-      st = static_cast<uint8_t>(t.next_lps);
-    }
-    d.a = t.qe;
-  } else {
-    if (d.a & 0x8000u) return bit;
-    if (d.a < t.qe) {
-      bit ^= 1;
-      st = static_cast<uint8_t>(t.next_lps);
-    } else {
-      st = static_cast<uint8_t>(t.next_mps);
-    }
-  }
-  mqDecoderRenorm(d);
+  MqDecLocal l(d);
+  const int bit = l.Decode(cx);
+  l.Store(d);
   return bit;
 }
 
@@ -201,10 +278,11 @@ inline int RawCheckTermination(RawReader& r) {
 }
 
 // ---------------------------------------------------------------------------------------
-// MQ and raw encoder. Produced bytes go to a small queue from which the code-block
-// encoder delivers them; B, the newest byte, stays in the coder until the next byte-out
-// because a carry may still change it.
-inline constexpr int kMqQueueSize = 64;
+// MQ and raw encoder. Produced bytes go to a queue from which the code-block encoder
+// delivers them; B, the newest byte, stays in the coder until the next byte-out because
+// a carry may still change it. The queue is large enough for a batch of decisions coded
+// in one go (at most three bytes each, see MqEncLocal::Encode).
+inline constexpr int kMqQueueSize = 4096;
 // A run of all-ones bytes kept back for minimal termination is released beyond this.
 inline constexpr int kMqMaxHeldRun = 32;
 
@@ -243,65 +321,143 @@ inline void MqEncoderStartSegment(MqEncoder& e, bool raw, bool hold_ones) {
   e.hold_ones = hold_ones && !raw;
 }
 
+// Moves the undelivered bytes to the front of the queue.
+inline void MqCompactQueue(MqEncoder& e) {
+  const int n = e.qw - e.qr;
+  memmove(e.queue, e.queue + e.qr, static_cast<size_t>(n));
+  e.qr = 0;
+  e.qw = n;
+}
+
 inline void MqQueuePush(MqEncoder& e, uint32_t byte) {
-  if (e.qw == kMqQueueSize) {  // only held bytes can remain: move them to the front
-    const int n = e.qw - e.qr;
-    for (int i = 0; i < n; ++i) e.queue[i] = e.queue[e.qr + i];
-    e.qr = 0;
-    e.qw = n;
-  }
+  if (e.qw == kMqQueueSize) MqCompactQueue(e);  // only held bytes can remain
   e.queue[e.qw++] = static_cast<uint8_t>(byte);
 }
 
-// T.800 C.2.7 BYTEOUT with carry into B and a stuffed bit after 0xFF. B is an 8-bit
-// value; the new byte is the low 8 bits of the shifted register.
-inline void mqByteOut(MqEncoder& e) {
-  uint32_t next;
-  if (e.b != 0xFFu && e.c >= 0x8000000u) {
-    ++e.b;  // carry
-    e.c &= 0x7FFFFFFu;
-  }
-  if (e.b == 0xFFu) {
-    next = (e.c >> 20) & 0xFFu;
-    e.c &= 0xFFFFFu;
-    e.ct = 7;
-  } else {
-    next = (e.c >> 19) & 0xFFu;
-    e.c &= 0x7FFFFu;
-    e.ct = 8;
-  }
-  MqQueuePush(e, e.b);
-  ++e.produced;
-  e.b = next;
-}
+// The MQ encoder's registers in locals for the length of a coding loop; the caller
+// guarantees queue room for three bytes per decision.
+struct MqEncLocal {
+  uint32_t a;
+  uint32_t c;
+  uint32_t ct;
+  uint32_t b;
+  int32_t qw;
+  int32_t produced;
+  uint8_t* queue;
+  uint8_t* ctx;
 
-// T.800 C.2.5/C.2.6 CODEMPS/CODELPS with renormalisation.
-inline void mqEncode(MqEncoder& e, int bit, int cx) {
-  uint8_t& st = e.ctx[cx];
-  const MqTransition& t = kMqTransitions[st];
-  e.a -= t.qe;
-  if (bit == (st & 1)) {
-    if (e.a & 0x8000u) {
-      e.c += t.qe;
+  explicit MqEncLocal(MqEncoder& e)
+      : a(e.a), c(e.c), ct(e.ct), b(e.b), qw(e.qw), produced(e.produced), queue(e.queue),
+        ctx(e.ctx) {}
+  void Store(MqEncoder& e) const {
+    e.a = a;
+    e.c = c;
+    e.ct = ct;
+    e.b = b;
+    e.qw = qw;
+    e.produced = produced;
+  }
+
+  // T.800 C.2.7 BYTEOUT with carry into B and a stuffed bit after 0xFF. B is an 8-bit
+  // value; the new byte is the low 8 bits of the shifted register.
+  KRO_T1_INLINE void ByteOut() {
+    uint32_t next;
+    if (b != 0xFFu && c >= 0x8000000u) {
+      ++b;  // carry
+      c &= 0x7FFFFFFu;
+    }
+    if (b == 0xFFu) {
+      next = (c >> 20) & 0xFFu;
+      c &= 0xFFFFFu;
+      ct = 7;
+    } else {
+      next = (c >> 19) & 0xFFu;
+      c &= 0x7FFFFu;
+      ct = 8;
+    }
+    queue[qw++] = static_cast<uint8_t>(b);
+    ++produced;
+    b = next;
+  }
+
+  // T.800 C.2.5/C.2.6 CODEMPS/CODELPS, without branches on the decision: after
+  // A = A - Qe, the conditional exchange leaves Qe in A exactly when (A < Qe) differs
+  // from "the decision is the LPS", and otherwise adds Qe to C. Renormalisation (C.2.4:
+  // shift, and a byte-out whenever CT reaches 0, also on the last shift) runs a stretch
+  // of shifts at a time; A >= 1 needs at most 15 shifts, so at most three byte-outs.
+  KRO_T1_INLINE void Encode(uint32_t bit, uint32_t cx) {
+    uint8_t& st = ctx[cx];
+    const uint32_t s = st;
+    const MqTransition t = kMqTransitions[s];
+    const uint32_t qe = t.qe;
+    a -= qe;
+    const uint32_t lps = bit ^ (s & 1u);
+    const uint32_t swap = (a < qe ? 1u : 0u) ^ lps;
+    c += qe & (swap - 1u);
+    a = swap ? qe : a;
+    const uint32_t after_mps = (a & 0x8000u) ? s : t.next_mps;
+    st = static_cast<uint8_t>(lps ? t.next_lps : after_mps);
+    Renorm();
+  }
+
+  // The same with branches, for passes whose decisions are mostly the MPS without
+  // renormalisation (cleanup): there the branches predict well.
+  KRO_T1_INLINE void EncodeSkewed(uint32_t bit, uint32_t cx) {
+    uint8_t& st = ctx[cx];
+    const MqTransition t = kMqTransitions[st];
+    a -= t.qe;
+    if (bit == (st & 1u)) {
+      if (a & 0x8000u) {
+        c += t.qe;
+        return;
+      }
+      if (a < t.qe)
+        a = t.qe;
+      else
+        c += t.qe;
+      st = t.next_mps;
+    } else {
+      if (a < t.qe)
+        c += t.qe;
+      else
+        a = t.qe;
+      st = t.next_lps;
+    }
+    Renorm();
+  }
+
+  KRO_T1_INLINE void Renorm() {
+    uint32_t n = static_cast<uint32_t>(__builtin_clz(a)) - 16u;
+    if (n < ct) {  // the usual case: no byte-out
+      a <<= n;
+      c <<= n;
+      ct -= n;
       return;
     }
-    if (e.a < t.qe)
-      e.a = t.qe;
-    else
-      e.c += t.qe;
-    st = static_cast<uint8_t>(t.next_mps);
-  } else {
-    if (e.a < t.qe)
-      e.c += t.qe;
-    else
-      e.a = t.qe;
-    st = static_cast<uint8_t>(t.next_lps);
+    do {
+      a <<= ct;
+      c <<= ct;
+      n -= ct;
+      ByteOut();
+    } while (n >= ct);
+    a <<= n;
+    c <<= n;
+    ct -= n;
   }
-  do {
-    e.a <<= 1;
-    e.c <<= 1;
-    if (--e.ct == 0) mqByteOut(e);
-  } while (!(e.a & 0x8000u));
+};
+
+inline void mqByteOut(MqEncoder& e) {
+  if (e.qw > kMqQueueSize - 3) MqCompactQueue(e);
+  MqEncLocal l(e);
+  l.ByteOut();
+  l.Store(e);
+}
+
+inline void mqEncode(MqEncoder& e, int bit, int cx) {
+  if (e.qw > kMqQueueSize - 3) MqCompactQueue(e);
+  MqEncLocal l(e);
+  l.Encode(static_cast<uint32_t>(bit), static_cast<uint32_t>(cx));
+  l.Store(e);
 }
 
 inline void RawPutBit(MqEncoder& e, int bit) {

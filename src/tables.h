@@ -86,9 +86,9 @@ inline constexpr Kro32s owniInitialMPS_JPEG2K[19] = {};
 // The coders keep a context as one byte, state * 2 + MPS. kMqTransitions is Table C.2
 // re-indexed that way, with the MPS switch folded into the LPS successor.
 struct MqTransition {
-  Kro32u qe;
-  Kro32u next_mps;  // successor (state * 2 + MPS) after coding the MPS with renormalisation
-  Kro32u next_lps;  // successor after coding the LPS
+  uint16_t qe;
+  uint8_t next_mps;  // successor (state * 2 + MPS) after coding the MPS with renormalisation
+  uint8_t next_lps;  // successor after coding the LPS
 };
 
 constexpr std::array<MqTransition, 94> MakeMqTransitions() {
@@ -97,8 +97,8 @@ constexpr std::array<MqTransition, 94> MakeMqTransitions() {
     for (int mps = 0; mps < 2; ++mps) {
       const Kro32s* row = owniEstimator_JPEG2K[s];
       const int lps_mps = row[3] ? 1 - mps : mps;
-      t[s * 2 + mps] = {static_cast<Kro32u>(row[0]), static_cast<Kro32u>(row[1] * 2 + mps),
-                        static_cast<Kro32u>(row[2] * 2 + lps_mps)};
+      t[s * 2 + mps] = {static_cast<uint16_t>(row[0]), static_cast<uint8_t>(row[1] * 2 + mps),
+                        static_cast<uint8_t>(row[2] * 2 + lps_mps)};
     }
   }
   return t;

@@ -2,6 +2,8 @@
 // Code-block encoder, one-call decoder and step-wise decoder: argument and state checks,
 // round trips over every coding style and termination, truncation at the reported
 // rates, distortion bookkeeping against the error actually removed, corruption.
+#include <string.h>
+
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -498,6 +500,40 @@ TEST(CodeBlock, CorruptionDetectionAndConcealment) {
     }
     kroiDecodeCBProgrFree_JPEG2K(st);
   }
+}
+
+// Rows at odd byte addresses with steps that are not multiples of four, on both sides.
+TEST(CodeBlock, UnalignedRows) {
+  kro_test::Rng rng(26);
+  const int w = 13, h = 11, mag_bits = 12, step = w * 4 + 3;
+  const Block src = WithSigns(rng, RandomMagnitudes(rng, w * h, mag_bits, 0), 31 - mag_bits);
+  std::vector<uint8_t> in(static_cast<size_t>(1 + step * h)), out(in.size());
+  for (int y = 0; y < h; ++y) memcpy(in.data() + 1 + y * step, src.data() + y * w, w * 4);
+  KroiEncodeState_JPEG2K* st = nullptr;
+  ASSERT_EQ(kroiEncodeInitAlloc_JPEG2K(&st, {w, h}), kroStatusOk);
+  const Coded want = Encode(st, src, w, h, 2, mag_bits, 0, 0, 4096);
+  int sf = 0, np = 0, nt = 0, len = 4096, more = 0;
+  ASSERT_EQ(kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(reinterpret_cast<const Kro32s*>(in.data() + 1),
+                                                   step, {w, h}, st, 2, mag_bits, 0, 0, 0, &sf,
+                                                   &np, &nt),
+            kroStatusOk);
+  Bytes data(static_cast<size_t>(len));
+  ASSERT_EQ(kroiEncodeStoreBits_JPEG2K_1u(data.data(), &len, st, &more), kroStatusOk);
+  data.resize(static_cast<size_t>(len));
+  EXPECT_EQ(data, want.data);
+  kroiEncodeFree_JPEG2K(st);
+
+  int size = 0;
+  ASSERT_EQ(kroiDecodeGetBufSize_JPEG2K({w, h}, &size), kroStatusOk);
+  std::vector<uint8_t> state(static_cast<size_t>(size));
+  ASSERT_EQ(kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
+                data.data(), reinterpret_cast<Kro32s*>(out.data() + 1), step, {w, h}, 2,
+                sf - (31 - mag_bits), np, want.seg_len.data(), nt, 0, nullptr,
+                reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(state.data())),
+            kroStatusOk);
+  const Block expected = Expected(src, 31 - mag_bits);
+  for (int y = 0; y < h; ++y)
+    EXPECT_EQ(memcmp(out.data() + 1 + y * step, expected.data() + y * w, w * 4), 0) << y;
 }
 
 TEST(CodeBlock, EdgeCases) {
