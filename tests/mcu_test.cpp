@@ -256,6 +256,30 @@ TEST_P(McuTargets, DecodersAgainstThePixelRules) {
     }
 }
 
+// Every 16-bit chroma sample through the 444 RGB decoder, one colour at a time, with
+// the luminance set so that the right term gives 100 and any other term shows.
+TEST_P(McuTargets, DecoderTermsOfEverySample) {
+  Rng rng(9);
+  for (int colour = 0; colour < 3; ++colour)
+    for (int base = -32768; base < 32768; base += 64) {
+      Blocks b(k444);
+      int64_t want[64];
+      for (int i = 0; i < 64; ++i) {
+        const int64_t v = base + i, other = rng.Int(-32768, 32767);
+        const int64_t cb = colour == 0 ? other : v, cr = colour == 0 ? v : other;
+        const int64_t term = FloorDiv(Wrap32(colour == 0   ? 91881 * cr
+                                             : colour == 1 ? -22554 * cb - 46802 * cr
+                                                           : 116130 * cb),
+                                      65536);
+        b.c[1][i] = static_cast<Kro16s>(cb), b.c[2][i] = static_cast<Kro16s>(cr);
+        b.c[0][i] = static_cast<Kro16s>(std::clamp<int64_t>(-28 - term, -32768, 32767));
+        want[i] = Clamp(b.c[0][i] + term + 128);
+      }
+      const auto img = Decode(kMembers[0], b);
+      for (int i = 0; i < 64; ++i) ASSERT_EQ(img.at(i % 8, i / 8, colour), want[i]) << base + i;
+    }
+}
+
 TEST(Mcu, HandComputedValues) {
   const Member& rgb422 = kMembers[1];
   auto img = Image(rgb422);
