@@ -61,7 +61,7 @@ class Decoder {
   PacketReader packets_;
   std::vector<std::vector<int32_t>> planes_;
   std::vector<uint8_t> state_;
-  std::vector<uint8_t> segment_data_;
+  std::vector<uint8_t> segment_data_{0};  // never empty: the decoder wants a pointer
 };
 
 bool Decoder::CheckSupported(std::string* error) const {
@@ -110,19 +110,28 @@ bool Decoder::DecodeBlock(int c, const Band& band, const j2k::CodeBlock& cb, int
                           std::string* error) {
   if (cb.passes == 0) return true;  // the plane is zero already
   const TileComponent& tc = tile_.comps[c];
-  // The codeword segments back to back, with their lengths.
+  // The codeword segments back to back, with their lengths. Data that came in one
+  // piece is read where it lies in the code-stream.
+  const std::vector<Chunk>& chunks = packets_.chunks();
   int lengths[kMaxPasses] = {};
   const int segments = SegmentOfPass(cb.passes - 1, tc.cb_style) + 1;
-  size_t total = 0;
-  for (int k = cb.first_chunk; k >= 0; k = packets_.chunks()[k].next)
-    total += packets_.chunks()[k].length;
-  segment_data_.resize(std::max<size_t>(total, 1));
-  size_t at = 0;
-  for (int k = cb.first_chunk; k >= 0; k = packets_.chunks()[k].next) {
-    const Chunk& ch = packets_.chunks()[k];
-    memcpy(segment_data_.data() + at, ch.data, static_cast<size_t>(ch.length));
-    at += static_cast<size_t>(ch.length);
-    if (ch.segment < segments) lengths[ch.segment] += ch.length;
+  int64_t total = 0;
+  for (int k = cb.first_chunk; k >= 0; k = chunks[k].next) {
+    total += chunks[k].length;
+    lengths[chunks[k].segment] += chunks[k].length;
+  }
+  if (total > INT32_MAX) return Fail(error, "code-block data too long");
+  const uint8_t* src = segment_data_.data();
+  if (cb.first_chunk >= 0 && cb.first_chunk == cb.last_chunk) {
+    src = chunks[cb.first_chunk].data;
+  } else if (total > 0) {
+    segment_data_.resize(static_cast<size_t>(total));
+    src = segment_data_.data();
+    size_t at = 0;
+    for (int k = cb.first_chunk; k >= 0; k = chunks[k].next) {
+      memcpy(segment_data_.data() + at, chunks[k].data, static_cast<size_t>(chunks[k].length));
+      at += static_cast<size_t>(chunks[k].length);
+    }
   }
 
   const int stride = tc.width();
@@ -132,9 +141,8 @@ bool Decoder::DecodeBlock(int c, const Band& band, const j2k::CodeBlock& cb, int
   // One plane more than coded: the decoder's midpoint half-bits land in bit 0.
   const int sf_bits = band.mb - cb.zero_planes + 1;
   const KroStatus st = kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
-      segment_data_.data(), dst, stride * 4, KroiSize{w, h}, CoderSubband(band.orient), sf_bits,
-      cb.passes, lengths, segments, flags, nullptr,
-      reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(state_.data()));
+      src, dst, stride * 4, KroiSize{w, h}, CoderSubband(band.orient), sf_bits, cb.passes, lengths,
+      segments, flags, nullptr, reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(state_.data()));
   // Corrupt data that the termination checks catch keeps what was decoded before it.
   if (st < 0 && st != kroStatusJPEG2KCorruptCodeBlock) {
     *error = "code-block decoder failed with status " + std::to_string(static_cast<int>(st));
