@@ -11,7 +11,6 @@
 #include <string.h>
 
 #include <algorithm>
-#include <array>
 #include <type_traits>
 
 #include "kro_checks.h"
@@ -606,103 +605,16 @@ KroStatus GetBufSize(const KroiRect* pTileRect, int* pSize, bool out_of_place) {
 }
 
 // ---------------------------------------------------------------------------------
-// Column groups. The column region forms run the region kernels on kLanes columns at
-// once: a value is the kLanes samples of one row, every step applied lane by lane in
-// fixed-count loops that the compiler vectorises. Remaining columns go one by one.
+// Region forms: checks (pointers, steps, size), then a kernel over the whole region,
+// chosen per call among the SIMD targets.
 
-inline constexpr int kLanes = 16;
+template <class T>
+using RegionFwdFn = void (*)(const T* src, int src_step, T* low, int low_step, T* high, int high_step,
+                             KroiSize size, bool phase);
+template <class T>
+using RegionInvFn = void (*)(const T* low, int low_step, const T* high, int high_step, KroiSize size, T* dst,
+                             int dst_step, bool phase);
 
-template <int N, class F, class A0, class... As>
-inline auto LaneMap(F f, const A0& a0, const As&... as) {
-  std::array<decltype(f(a0[0], as[0]...)), N> r;
-  for (int i = 0; i < N; ++i) r[i] = f(a0[i], as[i]...);
-  return r;
-}
-
-// Element i: the N samples of row i from `base` on.
-template <class T, int N>
-struct GroupLine {
-  using V = std::array<std::remove_const_t<T>, N>;
-  T* base;
-  ptrdiff_t step;  // bytes
-  V operator[](ptrdiff_t i) const {
-    V v;
-    memcpy(v.data(), ByteOffset(base, i * step), sizeof(V));
-    return v;
-  }
-  void Set(ptrdiff_t i, const V& v) const { memcpy(ByteOffset(base, i * step), v.data(), sizeof(V)); }
-};
-
-template <class T, int N>
-struct Lanes53 {
-  using V = std::array<T, N>;
-  static V Predict(const V& x, const V& a, const V& b) {
-    return LaneMap<N>([](T u, T v, T w) { return ref::Predict53(u, v, w); }, x, a, b);
-  }
-  static V Update(const V& x, const V& a, const V& b) {
-    return LaneMap<N>([](T u, T v, T w) { return ref::Update53(u, v, w); }, x, a, b);
-  }
-  static V UnUpdate(const V& x, const V& a, const V& b) {
-    return LaneMap<N>([](T u, T v, T w) { return ref::UnUpdate53(u, v, w); }, x, a, b);
-  }
-  static V UnPredict(const V& x, const V& a, const V& b) {
-    return LaneMap<N>([](T u, T v, T w) { return ref::UnPredict53(u, v, w); }, x, a, b);
-  }
-};
-
-template <class A, int N>
-struct Lanes97 {
-  using Sample = std::array<typename A::Sample, N>;
-  using Inter = std::array<typename A::Inter, N>;
-  using S = typename A::Sample;
-  using I = typename A::Inter;
-  static Inter Alpha(const Sample& x, const Sample& a, const Sample& b) {
-    return LaneMap<N>([](S u, S v, S w) { return A::Alpha(u, v, w); }, x, a, b);
-  }
-  static Inter Beta(const Sample& x, const Inter& a, const Inter& b) {
-    return LaneMap<N>([](S u, I v, I w) { return A::Beta(u, v, w); }, x, a, b);
-  }
-  static Inter Gamma(const Inter& x, const Inter& a, const Inter& b) {
-    return LaneMap<N>([](I u, I v, I w) { return A::Gamma(u, v, w); }, x, a, b);
-  }
-  static Inter Delta(const Inter& x, const Inter& a, const Inter& b) {
-    return LaneMap<N>([](I u, I v, I w) { return A::Delta(u, v, w); }, x, a, b);
-  }
-  static Sample Low(const Inter& x) {
-    return LaneMap<N>([](I u) { return A::Low(u); }, x);
-  }
-  static Sample High(const Inter& x) {
-    return LaneMap<N>([](I u) { return A::High(u); }, x);
-  }
-  static Inter InvLow(const Sample& x) {
-    return LaneMap<N>([](S u) { return A::InvLow(u); }, x);
-  }
-  static Inter InvHigh(const Sample& x) {
-    return LaneMap<N>([](S u) { return A::InvHigh(u); }, x);
-  }
-  static Inter UnDelta(const Inter& x, const Inter& a, const Inter& b) {
-    return LaneMap<N>([](I u, I v, I w) { return A::UnDelta(u, v, w); }, x, a, b);
-  }
-  static Inter UnGamma(const Inter& x, const Inter& a, const Inter& b) {
-    return LaneMap<N>([](I u, I v, I w) { return A::UnGamma(u, v, w); }, x, a, b);
-  }
-  static Inter UnBeta(const Inter& x, const Inter& a, const Inter& b) {
-    return LaneMap<N>([](I u, I v, I w) { return A::UnBeta(u, v, w); }, x, a, b);
-  }
-  static Inter UnAlpha(const Inter& x, const Inter& a, const Inter& b) {
-    return LaneMap<N>([](I u, I v, I w) { return A::UnAlpha(u, v, w); }, x, a, b);
-  }
-  static Sample Out(const Inter& x) {
-    return LaneMap<N>([](I u) { return A::Out(u); }, x);
-  }
-};
-
-// ---------------------------------------------------------------------------------
-// Region forms. Kernel::Fwd<N>(src_line, low_line, high_line, w, phase) and
-// Kernel::Inv<N>(low_line, high_line, dst_line, w, phase) run one band row or column
-// (N = 1) or a group of N columns.
-
-// Checks: pointers, steps, size.
 inline KroStatus CheckRegion(const void* a, int a_step, const void* b, int b_step, const void* c, int c_step,
                              KroiSize size) {
   if (a == nullptr || b == nullptr || c == nullptr) return kroStatusNullPointer;
@@ -711,65 +623,81 @@ inline KroStatus CheckRegion(const void* a, int a_step, const void* b, int b_ste
   return kroStatusOk;
 }
 
-template <class T, class Kernel>
-KroStatus FwdRowRegion(const T* pSrc, int srcStep, T* pDstLow, int dstLowStep, T* pDstHigh, int dstHighStep,
-                       KroiSize dstRoiSize, int phase) {
+template <class T>
+KroStatus FwdRegion(RegionFwdFn<T> kernel, const T* pSrc, int srcStep, T* pDstLow, int dstLowStep, T* pDstHigh,
+                    int dstHighStep, KroiSize dstRoiSize, int phase) {
   const KroStatus st = CheckRegion(pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep, dstRoiSize);
   if (st != kroStatusOk) return st;
-  for (int y = 0; y < dstRoiSize.height; ++y) {
-    Kernel::template Fwd<1>(Contig<const T>{RowPtr(pSrc, srcStep, y)}, Contig<T>{RowPtr(pDstLow, dstLowStep, y)},
-                            Contig<T>{RowPtr(pDstHigh, dstHighStep, y)}, dstRoiSize.width, phase != 0);
-  }
+  kernel(pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase != 0);
   return kroStatusOk;
 }
 
-template <class T, class Kernel>
-KroStatus InvRowRegion(const T* pSrcLow, int srcLowStep, const T* pSrcHigh, int srcHighStep, KroiSize srcRoiSize,
-                       T* pDst, int dstStep, int phase) {
+template <class T>
+KroStatus InvRegion(RegionInvFn<T> kernel, const T* pSrcLow, int srcLowStep, const T* pSrcHigh, int srcHighStep,
+                    KroiSize srcRoiSize, T* pDst, int dstStep, int phase) {
   const KroStatus st = CheckRegion(pSrcLow, srcLowStep, pSrcHigh, srcHighStep, pDst, dstStep, srcRoiSize);
   if (st != kroStatusOk) return st;
-  for (int y = 0; y < srcRoiSize.height; ++y) {
-    Kernel::template Inv<1>(Contig<const T>{RowPtr(pSrcLow, srcLowStep, y)},
-                            Contig<const T>{RowPtr(pSrcHigh, srcHighStep, y)}, Contig<T>{RowPtr(pDst, dstStep, y)},
-                            srcRoiSize.width, phase != 0);
-  }
+  kernel(pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase != 0);
   return kroStatusOk;
 }
 
-template <class T, class Kernel>
-KroStatus FwdColRegion(const T* pSrc, int srcStep, T* pDstLow, int dstLowStep, T* pDstHigh, int dstHighStep,
-                       KroiSize dstRoiSize, int phase) {
-  const KroStatus st = CheckRegion(pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep, dstRoiSize);
-  if (st != kroStatusOk) return st;
-  int x = 0;
-  for (; x + kLanes <= dstRoiSize.width; x += kLanes) {
-    Kernel::template Fwd<kLanes>(GroupLine<const T, kLanes>{pSrc + x, srcStep},
-                                 GroupLine<T, kLanes>{pDstLow + x, dstLowStep},
-                                 GroupLine<T, kLanes>{pDstHigh + x, dstHighStep}, dstRoiSize.height, phase != 0);
+// Reference region kernels, one band row or column at a time: Kernel::Fwd(src_line,
+// low_line, high_line, n, phase) and Kernel::Inv(low_line, high_line, dst_line, n,
+// phase) on Contig rows or Strided columns.
+template <class T>
+struct Region53Ref {
+  template <class Src, class Dst>
+  static void Fwd(const Src& x, const Dst& low, const Dst& high, int n, bool phase) {
+    ref::Fwd53Region<ref::Lift53<T>>(x, low, high, n, phase);
   }
-  for (; x < dstRoiSize.width; ++x) {
-    Kernel::template Fwd<1>(Strided<const T>{pSrc + x, srcStep}, Strided<T>{pDstLow + x, dstLowStep},
-                            Strided<T>{pDstHigh + x, dstHighStep}, dstRoiSize.height, phase != 0);
+  template <class Src, class Dst>
+  static void Inv(const Src& low, const Src& high, const Dst& y, int n, bool phase) {
+    ref::Inv53Region<ref::Lift53<T>>(low, high, y, n, phase);
   }
-  return kroStatusOk;
-}
+};
+template <class T>
+struct Region97Ref {
+  template <class Src, class Dst>
+  static void Fwd(const Src& x, const Dst& low, const Dst& high, int n, bool phase) {
+    ref::Fwd97Region<D97<T>>(x, low, high, n, phase);
+  }
+  template <class Src, class Dst>
+  static void Inv(const Src& low, const Src& high, const Dst& y, int n, bool phase) {
+    ref::Inv97Region<D97<T>>(low, high, y, n, phase);
+  }
+};
 
 template <class T, class Kernel>
-KroStatus InvColRegion(const T* pSrcLow, int srcLowStep, const T* pSrcHigh, int srcHighStep, KroiSize srcRoiSize,
-                       T* pDst, int dstStep, int phase) {
-  const KroStatus st = CheckRegion(pSrcLow, srcLowStep, pSrcHigh, srcHighStep, pDst, dstStep, srcRoiSize);
-  if (st != kroStatusOk) return st;
-  int x = 0;
-  for (; x + kLanes <= srcRoiSize.width; x += kLanes) {
-    Kernel::template Inv<kLanes>(GroupLine<const T, kLanes>{pSrcLow + x, srcLowStep},
-                                 GroupLine<const T, kLanes>{pSrcHigh + x, srcHighStep},
-                                 GroupLine<T, kLanes>{pDst + x, dstStep}, srcRoiSize.height, phase != 0);
+void RefFwdRows(const T* src, int src_step, T* low, int low_step, T* high, int high_step, KroiSize size,
+                bool phase) {
+  for (int y = 0; y < size.height; ++y) {
+    Kernel::Fwd(Contig<const T>{RowPtr(src, src_step, y)}, Contig<T>{RowPtr(low, low_step, y)},
+                Contig<T>{RowPtr(high, high_step, y)}, size.width, phase);
   }
-  for (; x < srcRoiSize.width; ++x) {
-    Kernel::template Inv<1>(Strided<const T>{pSrcLow + x, srcLowStep}, Strided<const T>{pSrcHigh + x, srcHighStep},
-                            Strided<T>{pDst + x, dstStep}, srcRoiSize.height, phase != 0);
+}
+template <class T, class Kernel>
+void RefInvRows(const T* low, int low_step, const T* high, int high_step, KroiSize size, T* dst, int dst_step,
+                bool phase) {
+  for (int y = 0; y < size.height; ++y) {
+    Kernel::Inv(Contig<const T>{RowPtr(low, low_step, y)}, Contig<const T>{RowPtr(high, high_step, y)},
+                Contig<T>{RowPtr(dst, dst_step, y)}, size.width, phase);
   }
-  return kroStatusOk;
+}
+template <class T, class Kernel>
+void RefFwdCols(const T* src, int src_step, T* low, int low_step, T* high, int high_step, KroiSize size,
+                bool phase) {
+  for (int x = 0; x < size.width; ++x) {
+    Kernel::Fwd(Strided<const T>{src + x, src_step}, Strided<T>{low + x, low_step}, Strided<T>{high + x, high_step},
+                size.height, phase);
+  }
+}
+template <class T, class Kernel>
+void RefInvCols(const T* low, int low_step, const T* high, int high_step, KroiSize size, T* dst, int dst_step,
+                bool phase) {
+  for (int x = 0; x < size.width; ++x) {
+    Kernel::Inv(Strided<const T>{low + x, low_step}, Strided<const T>{high + x, high_step},
+                Strided<T>{dst + x, dst_step}, size.height, phase);
+  }
 }
 
 // Streaming column steps: every row pointer non-null, then the width.

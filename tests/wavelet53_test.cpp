@@ -375,4 +375,33 @@ TEST_P(Wavelet53Targets, LevelsMatchTheReference) {
                                      kro::Inv2DInPlace<Kro32s, kro::Inv53Ref<Kro32s>>, rng);
 }
 
+TEST_P(Wavelet53Targets, RegionAndStreamingFormsMatchTheReference) {
+  Rng rng(531);
+  // Source x[-2 .. 2n] or x[-1 .. 2n+1]; low 0..n or -1..n-1; high -1..n.
+  const RegionReach reach{{{2, 1}, {1, 2}}, {{0, 1}, {1, 0}}, {{1, 1}, {1, 1}}};
+  for (bool rows : {true, false}) {
+    CheckRegionForm<Kro16s>(rows, rows ? kroiWTFwdRow_B53_JPEG2K_16s_C1R : kroiWTFwdCol_B53_JPEG2K_16s_C1R,
+                            rows ? kro::RefFwdRows<Kro16s, kro::Region53Ref<Kro16s>>
+                                 : kro::RefFwdCols<Kro16s, kro::Region53Ref<Kro16s>>,
+                            rows ? kroiWTInvRow_B53_JPEG2K_16s_C1R : kroiWTInvCol_B53_JPEG2K_16s_C1R,
+                            rows ? kro::RefInvRows<Kro16s, kro::Region53Ref<Kro16s>>
+                                 : kro::RefInvCols<Kro16s, kro::Region53Ref<Kro16s>>,
+                            reach, rng);
+    CheckRegionForm<Kro32s>(rows, rows ? kroiWTFwdRow_B53_JPEG2K_32s_C1R : kroiWTFwdCol_B53_JPEG2K_32s_C1R,
+                            rows ? kro::RefFwdRows<Kro32s, kro::Region53Ref<Kro32s>>
+                                 : kro::RefFwdCols<Kro32s, kro::Region53Ref<Kro32s>>,
+                            rows ? kroiWTInvRow_B53_JPEG2K_32s_C1R : kroiWTInvCol_B53_JPEG2K_32s_C1R,
+                            rows ? kro::RefInvRows<Kro32s, kro::Region53Ref<Kro32s>>
+                                 : kro::RefInvCols<Kro32s, kro::Region53Ref<Kro32s>>,
+                            reach, rng);
+  }
+  // Rows x0, x1, x2, low, d[n-1], high; the high row may be d[n-1] itself.
+  for (int alias : {-1, 5}) {
+    CheckLiftRows<Kro16s, 6>(kroiWTFwdColLift_B53_JPEG2K_16s_C1, kro::ref::Fwd53LiftRow<Kro16s>, rng, alias, 4);
+    CheckLiftRows<Kro32s, 6>(kroiWTFwdColStep_B53_JPEG2K_32s_C1, kro::ref::Fwd53LiftRow<Kro32s>, rng, alias, 4);
+  }
+  CheckLiftRows<Kro16s, 6>(kroiWTInvColStep_B53_JPEG2K_16s_C1, kro::ref::Inv53LiftRow<Kro16s>, rng);
+  CheckLiftRows<Kro32s, 6>(kroiWTInvColLift_B53_JPEG2K_32s_C1, kro::ref::Inv53LiftRow<Kro32s>, rng);
+}
+
 }  // namespace

@@ -485,4 +485,38 @@ TEST_P(Wavelet97Targets, LevelsMatchTheReference) {
   }
 }
 
+TEST_P(Wavelet97Targets, RegionAndStreamingFormsMatchTheReference) {
+  Rng rng(971);
+  // Source x[-4 .. 2n+2] or x[-3 .. 2n+3]; low -1..n+1 or -2..n; high -2..n+1.
+  const RegionReach reach{{{4, 3}, {3, 4}}, {{1, 2}, {2, 1}}, {{2, 2}, {2, 2}}};
+  CheckRegionForm<Kro16s>(true, kroiWTFwdRow_D97_JPEG2K_16s_C1R, kro::RefFwdRows<Kro16s, kro::Region97Ref<Kro16s>>,
+                          kroiWTInvRow_D97_JPEG2K_16s_C1R, kro::RefInvRows<Kro16s, kro::Region97Ref<Kro16s>>, reach,
+                          rng);
+  for (bool rows : {true, false}) {
+    CheckRegionForm<Kro32s>(rows, rows ? kroiWTFwdRow_D97_JPEG2K_32s_C1R : kroiWTFwdCol_D97_JPEG2K_32s_C1R,
+                            rows ? kro::RefFwdRows<Kro32s, kro::Region97Ref<Kro32s>>
+                                 : kro::RefFwdCols<Kro32s, kro::Region97Ref<Kro32s>>,
+                            rows ? kroiWTInvRow_D97_JPEG2K_32s_C1R : kroiWTInvCol_D97_JPEG2K_32s_C1R,
+                            rows ? kro::RefInvRows<Kro32s, kro::Region97Ref<Kro32s>>
+                                 : kro::RefInvCols<Kro32s, kro::Region97Ref<Kro32s>>,
+                            reach, rng);
+    CheckRegionForm<Kro32f>(rows, rows ? kroiWTFwdRow_D97_JPEG2K_32f_C1R : kroiWTFwdCol_D97_JPEG2K_32f_C1R,
+                            rows ? kro::RefFwdRows<Kro32f, kro::Region97Ref<Kro32f>>
+                                 : kro::RefFwdCols<Kro32f, kro::Region97Ref<Kro32f>>,
+                            rows ? kroiWTInvRow_D97_JPEG2K_32f_C1R : kroiWTInvCol_D97_JPEG2K_32f_C1R,
+                            rows ? kro::RefInvRows<Kro32f, kro::Region97Ref<Kro32f>>
+                                 : kro::RefInvCols<Kro32f, kro::Region97Ref<Kro32f>>,
+                            reach, rng);
+  }
+  namespace r = kro::ref;
+  CheckLiftRows<Kro16s, 8>(kroiWTFwdColLift_D97_JPEG2K_16s_C1, r::Fwd97LiftRowsQ16<Kro16s>, rng);
+  CheckLiftRows<Kro32s, 8>(kroiWTFwdColLift_D97_JPEG2K_32s_C1, r::Fwd97LiftRowsQ16<Kro32s>, rng);
+  CheckLiftRows<Kro32f, 8>(kroiWTFwdColLift_D97_JPEG2K_32f_C1, r::Fwd97LiftRowsF, rng);
+  CheckLiftRows<Kro32f, 8>(kroiWTFwdColStep_D97_JPEG2K_32f_C1, r::Fwd97LiftRowsF, rng);
+  CheckLiftRows<Kro16s, 8>(kroiWTInvColLift_D97_JPEG2K_16s_C1, r::Inv97LiftRowsQ16<Kro16s>, rng);
+  CheckLiftRows<Kro32s, 8>(kroiWTInvColLift_D97_JPEG2K_32s_C1, r::Inv97LiftRowsQ16<Kro32s>, rng);
+  CheckLiftRows<Kro32f, 8>(kroiWTInvColLift_D97_JPEG2K_32f_C1, r::Inv97LiftRowsF, rng);
+  CheckLiftRows<Kro32f, 8>(kroiWTInvColStep_D97_JPEG2K_32f_C1, r::Inv97LiftRowsF, rng);
+}
+
 }  // namespace

@@ -9,14 +9,18 @@
 #include <string.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "kroj.h"
+#include "simd_test_util.h"
 #include "test_util.h"
 #include "wavelet_impl.h"
 
@@ -203,6 +207,96 @@ void CheckLevelAgainstReference(KroStatus (*fn)(T*, int, const KroiRect*, Kro8u*
         ASSERT_EQ(fn(img.data(), img.step(), &r, buf.get() + 1), kroStatusOk);
         ASSERT_TRUE(img.SamePixels(want) && img.IntactOutside()) << w << "x" << h << " parity " << parity;
       }
+}
+
+// A heap block of exactly n samples of random values (integers over the whole type,
+// floats within +-10^4); ASan flags any access outside it.
+template <class T>
+struct Block {
+  std::unique_ptr<T[]> p;
+  size_t n;
+  Block(size_t n_, Rng& rng) : p(new T[n_ > 0 ? n_ : 1]), n(n_) {
+    for (size_t i = 0; i < n; ++i) {
+      if constexpr (std::is_integral_v<T>) {
+        const int64_t lo = std::numeric_limits<T>::min(), hi = std::numeric_limits<T>::max(), pick = rng.Int(0, 7);
+        p[i] = static_cast<T>(pick == 0 ? lo : pick == 1 ? hi : rng.Int(lo, hi));
+      } else {
+        p[i] = static_cast<T>(rng.Real(-1e4, 1e4));
+      }
+    }
+  }
+  T* get() { return p.get(); }
+  bool Same(const std::vector<T>& v) const { return memcmp(p.get(), v.data(), sizeof(T) * n) == 0; }
+  std::vector<T> Copy() const { return std::vector<T>(p.get(), p.get() + n); }
+};
+
+// The samples a region form reads beyond its band rows (or columns), per phase:
+// before and after the source line, and before and after each band line.
+struct RegionReach {
+  int src[2][2], low[2][2], high[2][2];  // [phase][before, after]
+};
+
+template <class T>
+using RegionFwd = KroStatus (*)(const T*, int, T*, int, T*, int, KroiSize, int);
+template <class T>
+using RegionInv = KroStatus (*)(const T*, int, const T*, int, KroiSize, T*, int, int);
+
+// A region form against its reference kernel: rows (one per call, in blocks of
+// exactly the samples the form may read and write) across the vector widths and the
+// chunk boundaries, or columns (whole regions, blocks of exactly the rows) across
+// the vector widths. The reference writes into plain vectors.
+template <class T>
+void CheckRegionForm(bool rows, RegionFwd<T> fwd, kro::RegionFwdFn<T> ref_fwd, RegionInv<T> inv,
+                     kro::RegionInvFn<T> ref_inv, const RegionReach& reach, Rng& rng) {
+  std::vector<int> sizes = EdgeWidths();
+  if (rows) sizes.insert(sizes.end(), {255, 256, 257, 520});
+  for (int n : sizes)
+    for (int phase = 0; phase < 2; ++phase) {
+      // Rows: n outputs per band, one row. Columns: n columns, 1 to 3 band rows.
+      const int bands = rows ? n : 1 + n % 3, across = rows ? 1 : n;
+      const KroiSize size = rows ? KroiSize{n, 1} : KroiSize{n, bands};
+      const int unit = rows ? 1 : across;  // samples per line position
+      const int* sr = reach.src[phase];
+      const int* lr = reach.low[phase];
+      const int* hr = reach.high[phase];
+      const int step = static_cast<int>(sizeof(T)) * (rows ? 1000000 : across);
+      Block<T> src(static_cast<size_t>(sr[0] + 2 * bands + sr[1]) * unit, rng);
+      Block<T> low(static_cast<size_t>(bands) * unit, rng), high(static_cast<size_t>(bands) * unit, rng);
+      std::vector<T> want_low = low.Copy(), want_high = high.Copy();
+      ASSERT_EQ(fwd(src.get() + sr[0] * unit, step, low.get(), step, high.get(), step, size, phase * 7), kroStatusOk);
+      ref_fwd(src.get() + sr[0] * unit, step, want_low.data(), step, want_high.data(), step, size, phase != 0);
+      ASSERT_TRUE(low.Same(want_low) && high.Same(want_high)) << (rows ? "row " : "col ") << n << " phase " << phase;
+
+      Block<T> lows(static_cast<size_t>(lr[0] + bands + lr[1]) * unit, rng);
+      Block<T> highs(static_cast<size_t>(hr[0] + bands + hr[1]) * unit, rng);
+      Block<T> out(static_cast<size_t>(2 * bands) * unit, rng);
+      std::vector<T> want = out.Copy();
+      ASSERT_EQ(inv(lows.get() + lr[0] * unit, step, highs.get() + hr[0] * unit, step, size, out.get(), step, phase),
+                kroStatusOk);
+      ref_inv(lows.get() + lr[0] * unit, step, highs.get() + hr[0] * unit, step, size, want.data(), step, phase != 0);
+      ASSERT_TRUE(out.Same(want)) << (rows ? "row " : "col ") << n << " phase " << phase << " inverse";
+    }
+}
+
+// A streaming column step against its reference: K rows of `width` samples in exact
+// blocks (row `alias_to` of row `alias` when alias >= 0), all compared afterwards.
+template <class T, size_t K, class F, class R>
+void CheckLiftRows(F api, R ref, Rng& rng, int alias = -1, int alias_to = -1) {
+  for (int w : EdgeWidths()) {
+    std::vector<Block<T>> rows;
+    for (size_t k = 0; k < K; ++k) rows.emplace_back(static_cast<size_t>(w), rng);
+    std::array<std::vector<T>, K> want;
+    std::array<T*, K> p, q;
+    for (size_t k = 0; k < K; ++k) want[k] = rows[k].Copy();
+    for (size_t k = 0; k < K; ++k) {
+      p[k] = rows[k].get();
+      q[k] = want[k].data();
+    }
+    if (alias >= 0) p[alias] = p[alias_to], q[alias] = q[alias_to];
+    ASSERT_EQ(std::apply([&](auto... r) { return api(r..., w); }, p), kroStatusOk);
+    std::apply([&](auto... r) { ref(r..., w); }, q);
+    for (size_t k = 0; k < K; ++k) ASSERT_TRUE(rows[k].Same(want[k])) << "width " << w << " row " << k;
+  }
 }
 
 }  // namespace kro_test

@@ -45,6 +45,8 @@
 #include <stdint.h>
 #include <string.h>
 
+#include <type_traits>
+
 #include "ref/wavelet_ref.h"
 #include "wavelet_impl.h"
 
@@ -331,67 +333,102 @@ struct Scheme {
   UnaryFn pre_low, pre_high, post_low, post_high;
 };
 
+// The steps of each arithmetic. Keep marks a scaling that does nothing.
+struct Keep {};
+
+template <class T>
+struct Steps53 {
+  using Predict = Predict53V<T>;
+  using Update = Update53V<T>;
+  using UnUpdate = UnUpdate53V<T>;
+  using UnPredict = UnPredict53V<T>;
+};
+
+template <class S>
+struct Steps97;
+template <>
+struct Steps97<int16_t> {
+  using Alpha = StepQ14V<ref::kAlphaQ14, true>;
+  using Beta = StepQ14V<ref::kBetaQ14, true>;
+  using Gamma = StepQ14V<ref::kGammaQ14, true>;
+  using Delta = StepQ14V<ref::kDeltaQ14, true>;
+  using UnDelta = StepQ14V<ref::kDeltaQ14, false>;
+  using UnGamma = StepQ14V<ref::kGammaQ14, false>;
+  using UnBeta = StepQ14V<ref::kBetaQ14, false>;
+  using UnAlpha = StepQ14V<ref::kAlphaQ14, false>;
+  using Low = ScaleQ14V<ref::kInvKQ14>;
+  using High = ScaleQ14V<ref::kKQ14>;
+  using InvLow = ScaleQ14V<ref::kKQ14>;
+  using InvHigh = ScaleQ14V<ref::kInvKQ14>;
+  using Out = Keep;
+};
+template <>
+struct Steps97<int32_t> {
+  using Alpha = AlphaSV;
+  using Beta = BetaSV;
+  using Gamma = StepSV<ref::kGamma, true>;
+  using Delta = StepSV<ref::kDelta, true>;
+  using UnDelta = StepSV<ref::kDelta, false>;
+  using UnGamma = StepSV<ref::kGamma, false>;
+  using UnBeta = StepSV<ref::kBeta, false>;
+  using UnAlpha = StepSV<ref::kAlpha, false>;
+  using Low = ScaleOutSV<ref::kInvK>;
+  using High = ScaleOutSV<ref::kK>;
+  using InvLow = ScaleInSV<ref::kK>;
+  using InvHigh = ScaleInSV<ref::kInvK>;
+  using Out = OutSV;
+};
+template <>
+struct Steps97<float> {
+  using Alpha = StepFV<ref::kAlpha, true>;
+  using Beta = StepFV<ref::kBeta, true>;
+  using Gamma = StepFV<ref::kGamma, true>;
+  using Delta = StepFV<ref::kDelta, true>;
+  using UnDelta = StepFV<ref::kDelta, false>;
+  using UnGamma = StepFV<ref::kGamma, false>;
+  using UnBeta = StepFV<ref::kBeta, false>;
+  using UnAlpha = StepFV<ref::kAlpha, false>;
+  using Low = ScaleFV<ref::kInvK>;
+  using High = ScaleFV<ref::kK>;
+  using InvLow = ScaleFV<ref::kK>;
+  using InvHigh = ScaleFV<ref::kInvK>;
+  using Out = Keep;
+};
+
+template <class Unary, class S>
+constexpr void (*UnaryFnOf())(S*, size_t) {
+  if constexpr (std::is_same_v<Unary, Keep>) {
+    return nullptr;
+  } else {
+    return UnaryRow<Unary, S>;
+  }
+}
+
 template <class T>
 constexpr Scheme<T> kFwd53 = {2, {StepRow<Predict53V<T>, T>, StepRow<Update53V<T>, T>}, {true, false}};
 template <class T>
 constexpr Scheme<T> kInv53 = {2, {StepRow<UnUpdate53V<T>, T>, StepRow<UnPredict53V<T>, T>}, {false, true}};
 
-constexpr Scheme<int16_t> kFwd97Q14 = {
+template <class S, class St = Steps97<S>>
+constexpr Scheme<S> kFwd97 = {
     4,
-    {StepRow<StepQ14V<ref::kAlphaQ14, true>, int16_t>, StepRow<StepQ14V<ref::kBetaQ14, true>, int16_t>,
-     StepRow<StepQ14V<ref::kGammaQ14, true>, int16_t>, StepRow<StepQ14V<ref::kDeltaQ14, true>, int16_t>},
+    {StepRow<typename St::Alpha, S>, StepRow<typename St::Beta, S>, StepRow<typename St::Gamma, S>,
+     StepRow<typename St::Delta, S>},
     {true, false, true, false},
     nullptr,
     nullptr,
-    UnaryRow<ScaleQ14V<ref::kInvKQ14>, int16_t>,
-    UnaryRow<ScaleQ14V<ref::kKQ14>, int16_t>};
-constexpr Scheme<int16_t> kInv97Q14 = {
+    UnaryFnOf<typename St::Low, S>(),
+    UnaryFnOf<typename St::High, S>()};
+template <class S, class St = Steps97<S>>
+constexpr Scheme<S> kInv97 = {
     4,
-    {StepRow<StepQ14V<ref::kDeltaQ14, false>, int16_t>, StepRow<StepQ14V<ref::kGammaQ14, false>, int16_t>,
-     StepRow<StepQ14V<ref::kBetaQ14, false>, int16_t>, StepRow<StepQ14V<ref::kAlphaQ14, false>, int16_t>},
+    {StepRow<typename St::UnDelta, S>, StepRow<typename St::UnGamma, S>, StepRow<typename St::UnBeta, S>,
+     StepRow<typename St::UnAlpha, S>},
     {false, true, false, true},
-    UnaryRow<ScaleQ14V<ref::kKQ14>, int16_t>,
-    UnaryRow<ScaleQ14V<ref::kInvKQ14>, int16_t>,
-    nullptr,
-    nullptr};
-
-constexpr Scheme<int32_t> kFwd97S = {
-    4,
-    {StepRow<AlphaSV, int32_t>, StepRow<BetaSV, int32_t>, StepRow<StepSV<ref::kGamma, true>, int32_t>,
-     StepRow<StepSV<ref::kDelta, true>, int32_t>},
-    {true, false, true, false},
-    nullptr,
-    nullptr,
-    UnaryRow<ScaleOutSV<ref::kInvK>, int32_t>,
-    UnaryRow<ScaleOutSV<ref::kK>, int32_t>};
-constexpr Scheme<int32_t> kInv97S = {
-    4,
-    {StepRow<StepSV<ref::kDelta, false>, int32_t>, StepRow<StepSV<ref::kGamma, false>, int32_t>,
-     StepRow<StepSV<ref::kBeta, false>, int32_t>, StepRow<StepSV<ref::kAlpha, false>, int32_t>},
-    {false, true, false, true},
-    UnaryRow<ScaleInSV<ref::kK>, int32_t>,
-    UnaryRow<ScaleInSV<ref::kInvK>, int32_t>,
-    UnaryRow<OutSV, int32_t>,
-    UnaryRow<OutSV, int32_t>};
-
-constexpr Scheme<float> kFwd97F = {
-    4,
-    {StepRow<StepFV<ref::kAlpha, true>, float>, StepRow<StepFV<ref::kBeta, true>, float>,
-     StepRow<StepFV<ref::kGamma, true>, float>, StepRow<StepFV<ref::kDelta, true>, float>},
-    {true, false, true, false},
-    nullptr,
-    nullptr,
-    UnaryRow<ScaleFV<ref::kInvK>, float>,
-    UnaryRow<ScaleFV<ref::kK>, float>};
-constexpr Scheme<float> kInv97F = {
-    4,
-    {StepRow<StepFV<ref::kDelta, false>, float>, StepRow<StepFV<ref::kGamma, false>, float>,
-     StepRow<StepFV<ref::kBeta, false>, float>, StepRow<StepFV<ref::kAlpha, false>, float>},
-    {false, true, false, true},
-    UnaryRow<ScaleFV<ref::kK>, float>,
-    UnaryRow<ScaleFV<ref::kInvK>, float>,
-    nullptr,
-    nullptr};
+    UnaryFnOf<typename St::InvLow, S>(),
+    UnaryFnOf<typename St::InvHigh, S>(),
+    UnaryFnOf<typename St::Out, S>(),
+    UnaryFnOf<typename St::Out, S>()};
 
 template <class S>
 HWY_INLINE void ApplyUnary(void (*fn)(S*, size_t), S* x, size_t n) {
@@ -546,6 +583,483 @@ void Inv2D(const Scheme<S>& sch, S* img, int step, const KroiRect& r, uint8_t* b
   }
   MoveRows(img, step, w, h, py, false, buf);
   VerticalPipeline(sch, img, step, w, h, py, horizontal, [](int) {});
+}
+
+// ---------------------------------------------------------------------------------
+// Region forms. They read the caller's samples around the region and extend nothing;
+// every value is computed from the same operands as in the reference pipelines of
+// ref/wavelet_ref.h, so each output equals the reference's (and the 2D kernel's).
+
+// Column forms: the reference pipelines on vectors of adjacent columns, walking down
+// the rows (the lanes are columns). Remaining columns go one by one.
+
+template <class S>
+struct VecOps53 {
+  using D = hn::ScalableTag<S>;
+  using V = hn::Vec<D>;
+  static V Predict(V x, V a, V b) { return Predict53V<S>::Vec(D(), x, a, b); }
+  static V Update(V x, V a, V b) { return Update53V<S>::Vec(D(), x, a, b); }
+  static V UnUpdate(V x, V a, V b) { return UnUpdate53V<S>::Vec(D(), x, a, b); }
+  static V UnPredict(V x, V a, V b) { return UnPredict53V<S>::Vec(D(), x, a, b); }
+};
+
+template <class S, class St = Steps97<S>>
+struct VecOps97 {
+  using D = hn::ScalableTag<S>;
+  using V = hn::Vec<D>;
+  using Sample = V;
+  using Inter = V;
+  static V Alpha(V x, V a, V b) { return St::Alpha::Vec(D(), x, a, b); }
+  static V Beta(V x, V a, V b) { return St::Beta::Vec(D(), x, a, b); }
+  static V Gamma(V x, V a, V b) { return St::Gamma::Vec(D(), x, a, b); }
+  static V Delta(V x, V a, V b) { return St::Delta::Vec(D(), x, a, b); }
+  static V UnDelta(V x, V a, V b) { return St::UnDelta::Vec(D(), x, a, b); }
+  static V UnGamma(V x, V a, V b) { return St::UnGamma::Vec(D(), x, a, b); }
+  static V UnBeta(V x, V a, V b) { return St::UnBeta::Vec(D(), x, a, b); }
+  static V UnAlpha(V x, V a, V b) { return St::UnAlpha::Vec(D(), x, a, b); }
+  static V Low(V v) { return St::Low::Vec(D(), v); }
+  static V High(V v) { return St::High::Vec(D(), v); }
+  static V InvLow(V v) { return St::InvLow::Vec(D(), v); }
+  static V InvHigh(V v) { return St::InvHigh::Vec(D(), v); }
+  static V Out(V v) {
+    if constexpr (std::is_same_v<typename St::Out, Keep>) {
+      return v;
+    } else {
+      return St::Out::Vec(D(), v);
+    }
+  }
+};
+
+// Row i of a group of adjacent columns: one vector.
+template <class S>
+struct StripLine {
+  using T = std::remove_const_t<S>;
+  using D = hn::ScalableTag<T>;
+  S* base;
+  ptrdiff_t step;  // bytes
+  hn::Vec<D> operator[](ptrdiff_t i) const { return hn::LoadU(D(), ByteOffset(base, i * step)); }
+  void Set(ptrdiff_t i, hn::Vec<D> v) const { hn::StoreU(v, D(), ByteOffset(base, i * step)); }
+};
+
+// The pipelines of ref::Fwd53Region and ref::Inv53Region.
+template <class Op, class Src, class Dst>
+HWY_INLINE void Fwd53Strip(const Src& x, const Dst& low, const Dst& high, int w, bool phase) {
+  using V = typename Op::V;
+  if (!phase) {
+    V dprev = Op::Predict(x[-1], x[-2], x[0]);
+    for (int k = 0; k < w; ++k) {
+      const V d = Op::Predict(x[2 * k + 1], x[2 * k], x[2 * k + 2]);
+      low.Set(k, Op::Update(x[2 * k], dprev, d));
+      high.Set(k, d);
+      dprev = d;
+    }
+    return;
+  }
+  V dprev = Op::Predict(x[0], x[-1], x[1]);
+  high.Set(0, dprev);
+  for (int k = 0; k + 1 < w; ++k) {
+    const V d = Op::Predict(x[2 * k + 2], x[2 * k + 1], x[2 * k + 3]);
+    low.Set(k, Op::Update(x[2 * k + 1], dprev, d));
+    high.Set(k + 1, d);
+    dprev = d;
+  }
+  low.Set(w - 1, Op::Update(x[2 * w - 1], dprev, Op::Predict(x[2 * w], x[2 * w - 1], x[2 * w + 1])));
+}
+
+template <class Op, class Src, class Dst>
+HWY_INLINE void Inv53Strip(const Src& low, const Src& high, const Dst& y, int w, bool phase) {
+  using V = typename Op::V;
+  if (!phase) {
+    V yprev = Op::UnUpdate(low[0], high[-1], high[0]);
+    y.Set(0, yprev);
+    for (int k = 0; k + 1 < w; ++k) {
+      const V e = Op::UnUpdate(low[k + 1], high[k], high[k + 1]);
+      y.Set(2 * k + 1, Op::UnPredict(high[k], yprev, e));
+      y.Set(2 * k + 2, e);
+      yprev = e;
+    }
+    y.Set(2 * w - 1, Op::UnPredict(high[w - 1], yprev, Op::UnUpdate(low[w], high[w - 1], high[w])));
+    return;
+  }
+  V eprev = Op::UnUpdate(low[-1], high[-1], high[0]);
+  for (int k = 0; k < w; ++k) {
+    const V e = Op::UnUpdate(low[k], high[k], high[k + 1]);
+    y.Set(2 * k, Op::UnPredict(high[k], eprev, e));
+    y.Set(2 * k + 1, e);
+    eprev = e;
+  }
+}
+
+// The pipelines of ref::Fwd97Region and ref::Inv97Region (see there for the rounds).
+template <class A, class Src, class Dst>
+HWY_INLINE void Fwd97Strip(const Src& x, const Dst& low, const Dst& high, int w, bool phase) {
+  using I = typename A::Inter;
+  const int o = phase ? 1 : 0;
+  const int s2_lo = 2 * o, s2_hi = 2 * w - 2 + 2 * o;
+  auto xs = [&](int u) { return x[u - o]; };
+  I d1_a = hn::Zero(typename A::D()), s1_a = d1_a, s1_b = d1_a, d2_a = d1_a, d2_b = d1_a;
+  for (int j = s2_lo - 3; j <= s2_hi + 3; j += 2) {
+    const I d1 = A::Alpha(xs(j), xs(j - 1), xs(j + 1));
+    if (j - 1 >= s2_lo - 2) {
+      s1_a = s1_b;
+      s1_b = A::Beta(xs(j - 1), d1_a, d1);
+    }
+    if (j - 2 >= s2_lo - 1) {
+      d2_a = d2_b;
+      d2_b = A::Gamma(d1_a, s1_a, s1_b);
+      if (j - 2 >= 1 && j - 2 <= 2 * w - 1) high.Set((j - 3) / 2, A::High(d2_b));
+    }
+    if (j - 3 >= s2_lo) low.Set((j - 3 - 2 * o) / 2, A::Low(A::Delta(s1_a, d2_a, d2_b)));
+    d1_a = d1;
+  }
+}
+
+template <class A, class Src, class Dst>
+HWY_INLINE void Inv97Strip(const Src& low, const Src& high, const Dst& y, int w, bool phase) {
+  using I = typename A::Inter;
+  const int o = phase ? 1 : 0;
+  I d2_a = A::InvHigh(high[-2]), s1_a = hn::Zero(typename A::D()), s1_b = s1_a, d1_a = s1_a, d1_b = s1_a,
+    xe_a = s1_a, xe_b = s1_a;
+  for (int e = -2; e <= 2 * w + 2; e += 2) {
+    const I d2_b = A::InvHigh(high[e / 2]);
+    s1_a = s1_b;
+    s1_b = A::UnDelta(A::InvLow(low[e / 2 - o]), d2_a, d2_b);
+    if (e >= 0) {
+      d1_a = d1_b;
+      d1_b = A::UnGamma(d2_a, s1_a, s1_b);
+    }
+    if (e >= 2) {
+      xe_a = xe_b;
+      xe_b = A::UnBeta(s1_a, d1_a, d1_b);
+      if (e - 2 >= o && e - 2 <= 2 * w - 1 + o) y.Set(e - 2 - o, A::Out(xe_b));
+    }
+    if (e >= 4) y.Set(e - 3 - o, A::Out(A::UnAlpha(d1_a, xe_a, xe_b)));
+    d2_a = d2_b;
+  }
+}
+
+// Kernel: Fwd(src_line, low_line, high_line, n, phase), Inv(low_line, high_line,
+// dst_line, n, phase) for either strip lines (vectors) or one reference column.
+template <class Kernel, class S>
+void FwdCols(const S* src, int src_step, S* low, int low_step, S* high, int high_step, KroiSize size, bool phase) {
+  const size_t lanes = hn::Lanes(hn::ScalableTag<S>());
+  size_t x = 0;
+  for (; x + lanes <= static_cast<size_t>(size.width); x += lanes) {
+    Kernel::template Fwd<true>(StripLine<const S>{src + x, src_step}, StripLine<S>{low + x, low_step},
+                               StripLine<S>{high + x, high_step}, size.height, phase);
+  }
+  for (; x < static_cast<size_t>(size.width); ++x) {
+    Kernel::template Fwd<false>(Strided<const S>{src + x, src_step}, Strided<S>{low + x, low_step},
+                                Strided<S>{high + x, high_step}, size.height, phase);
+  }
+}
+template <class Kernel, class S>
+void InvCols(const S* low, int low_step, const S* high, int high_step, KroiSize size, S* dst, int dst_step,
+             bool phase) {
+  const size_t lanes = hn::Lanes(hn::ScalableTag<S>());
+  size_t x = 0;
+  for (; x + lanes <= static_cast<size_t>(size.width); x += lanes) {
+    Kernel::template Inv<true>(StripLine<const S>{low + x, low_step}, StripLine<const S>{high + x, high_step},
+                               StripLine<S>{dst + x, dst_step}, size.height, phase);
+  }
+  for (; x < static_cast<size_t>(size.width); ++x) {
+    Kernel::template Inv<false>(Strided<const S>{low + x, low_step}, Strided<const S>{high + x, high_step},
+                                Strided<S>{dst + x, dst_step}, size.height, phase);
+  }
+}
+
+template <class S>
+struct Cols53 {
+  template <bool kVec, class Src, class Dst>
+  static void Fwd(const Src& x, const Dst& low, const Dst& high, int n, bool phase) {
+    if constexpr (kVec) {
+      Fwd53Strip<VecOps53<S>>(x, low, high, n, phase);
+    } else {
+      ref::Fwd53Region<ref::Lift53<S>>(x, low, high, n, phase);
+    }
+  }
+  template <bool kVec, class Src, class Dst>
+  static void Inv(const Src& low, const Src& high, const Dst& y, int n, bool phase) {
+    if constexpr (kVec) {
+      Inv53Strip<VecOps53<S>>(low, high, y, n, phase);
+    } else {
+      ref::Inv53Region<ref::Lift53<S>>(low, high, y, n, phase);
+    }
+  }
+};
+template <class S>
+struct Cols97 {
+  template <bool kVec, class Src, class Dst>
+  static void Fwd(const Src& x, const Dst& low, const Dst& high, int n, bool phase) {
+    if constexpr (kVec) {
+      Fwd97Strip<VecOps97<S>>(x, low, high, n, phase);
+    } else {
+      ref::Fwd97Region<D97<S>>(x, low, high, n, phase);
+    }
+  }
+  template <bool kVec, class Src, class Dst>
+  static void Inv(const Src& low, const Src& high, const Dst& y, int n, bool phase) {
+    if constexpr (kVec) {
+      Inv97Strip<VecOps97<S>>(low, high, y, n, phase);
+    } else {
+      ref::Inv97Region<D97<S>>(low, high, y, n, phase);
+    }
+  }
+};
+
+// Row forms: each row in chunks of up to kChunk outputs, in split form on the stack.
+// E holds the even positions u = 2m and O the odd ones u = 2j + 1, where u counts
+// from the first low-pass position (u = i + phase for sample i of the row); a step
+// lifts a range of one half from the other half as it stands. The ranges are planned
+// backwards from the outputs, so the chunk reads exactly the samples the reference
+// pipeline reads.
+
+struct Span {
+  int lo, hi;  // inclusive; empty when lo > hi
+};
+inline Span Cover(Span a, Span b) {
+  if (a.lo > a.hi) return b;
+  if (b.lo > b.hi) return a;
+  return {a.lo < b.lo ? a.lo : b.lo, a.hi > b.hi ? a.hi : b.hi};
+}
+
+template <class S>
+struct SplitPlan {
+  Span step[4];
+  Span raw_e, raw_o;
+  SplitPlan(const Scheme<S>& sch, Span out_e, Span out_o) {
+    for (int t = sch.steps - 1; t >= 0; --t) {
+      if (sch.odd[t]) {  // O[j] from E[j] and E[j + 1]
+        step[t] = out_o;
+        out_e = Cover(out_e, {out_o.lo, out_o.hi + 1});
+      } else {  // E[m] from O[m - 1] and O[m]
+        step[t] = out_e;
+        out_o = Cover(out_o, {out_e.lo - 1, out_e.hi});
+      }
+    }
+    raw_e = out_e;
+    raw_o = out_o;
+  }
+  Span Shifted(Span s, int by) const { return {s.lo + by, s.hi + by}; }
+};
+
+inline constexpr int kChunk = 256;
+inline constexpr int kChunkMargin = 8;
+
+template <class S>
+void LiftPlanned(const Scheme<S>& sch, const SplitPlan<S>& plan, int shift, S* E, S* O) {
+  for (int t = 0; t < sch.steps; ++t) {
+    const Span r = plan.Shifted(plan.step[t], shift);
+    const size_t n = static_cast<size_t>(r.hi - r.lo + 1);
+    if (sch.odd[t]) {
+      sch.step[t](O + r.lo, O + r.lo, E + r.lo, E + r.lo + 1, n);
+    } else {
+      sch.step[t](E + r.lo, E + r.lo, O + r.lo - 1, O + r.lo, n);
+    }
+  }
+}
+
+// Forward: low[k] = E[k + o], high[k] = O[k] for k = 0..w-1.
+template <class S>
+void FwdRowChunks(const Scheme<S>& sch, const S* x, S* low, S* high, int w, int o) {
+  S e_buf[kChunk + kChunkMargin], o_buf[kChunk + kChunkMargin];
+  for (int k0 = 0; k0 < w; k0 += kChunk) {
+    const int c = w - k0 < kChunk ? w - k0 : kChunk;
+    const SplitPlan<S> plan(sch, {o, c - 1 + o}, {0, c - 1});
+    // Positions u of the raw samples, relative to the chunk (u = 2 k0 is 0).
+    const int u_lo = 2 * plan.raw_e.lo < 2 * plan.raw_o.lo + 1 ? 2 * plan.raw_e.lo : 2 * plan.raw_o.lo + 1;
+    const int u_hi = 2 * plan.raw_e.hi > 2 * plan.raw_o.hi + 1 ? 2 * plan.raw_e.hi : 2 * plan.raw_o.hi + 1;
+    const int base = (u_lo - 1) >> 1;  // the lowest index either half uses
+    S* E = e_buf - base;
+    S* O = o_buf - base;
+    const S* xu = x + 2 * k0 - o;  // xu[u] is the sample at chunk position u
+    const size_t count = static_cast<size_t>(u_hi - u_lo + 1);
+    if ((u_lo & 1) == 0) {
+      Deinterleave(xu + u_lo, count, E + u_lo / 2, O + u_lo / 2);
+    } else {
+      Deinterleave(xu + u_lo, count, O + (u_lo - 1) / 2, E + (u_lo + 1) / 2);
+    }
+    LiftPlanned(sch, plan, 0, E, O);
+    ApplyUnary(sch.post_low, E + o, static_cast<size_t>(c));
+    ApplyUnary(sch.post_high, O, static_cast<size_t>(c));
+    memcpy(low + k0, E + o, sizeof(S) * c);
+    memcpy(high + k0, O, sizeof(S) * c);
+  }
+}
+
+// Inverse: E[m] = low[m - o], O[j] = high[j]; y[i] is position u = i + o.
+template <class S>
+void InvRowChunks(const Scheme<S>& sch, const S* low, const S* high, S* y, int w, int o) {
+  S e_buf[kChunk + kChunkMargin], o_buf[kChunk + kChunkMargin];
+  for (int k0 = 0; k0 < w; k0 += kChunk) {
+    const int c = w - k0 < kChunk ? w - k0 : kChunk;
+    const SplitPlan<S> plan(sch, {o, c - 1 + o}, {0, c - 1});
+    S* E = e_buf - plan.raw_e.lo;
+    S* O = o_buf - plan.raw_o.lo;
+    const size_t ne = static_cast<size_t>(plan.raw_e.hi - plan.raw_e.lo + 1);
+    const size_t no = static_cast<size_t>(plan.raw_o.hi - plan.raw_o.lo + 1);
+    memcpy(E + plan.raw_e.lo, low + k0 + plan.raw_e.lo - o, sizeof(S) * ne);
+    memcpy(O + plan.raw_o.lo, high + k0 + plan.raw_o.lo, sizeof(S) * no);
+    ApplyUnary(sch.pre_low, E + plan.raw_e.lo, ne);
+    ApplyUnary(sch.pre_high, O + plan.raw_o.lo, no);
+    LiftPlanned(sch, plan, 0, E, O);
+    ApplyUnary(sch.post_low, E + o, static_cast<size_t>(c));
+    ApplyUnary(sch.post_high, O, static_cast<size_t>(c));
+    if (o == 0) {
+      Interleave(E, O, static_cast<size_t>(2 * c), y + 2 * k0);
+    } else {
+      Interleave(O, E + 1, static_cast<size_t>(2 * c), y + 2 * k0);
+    }
+  }
+}
+
+template <class S>
+void FwdRows(const Scheme<S>& sch, const S* src, int src_step, S* low, int low_step, S* high, int high_step,
+             KroiSize size, bool phase) {
+  for (int y = 0; y < size.height; ++y) {
+    FwdRowChunks(sch, RowPtr(src, src_step, y), RowPtr(low, low_step, y), RowPtr(high, high_step, y), size.width,
+                 phase ? 1 : 0);
+  }
+}
+template <class S>
+void InvRows(const Scheme<S>& sch, const S* low, int low_step, const S* high, int high_step, KroiSize size, S* dst,
+             int dst_step, bool phase) {
+  for (int y = 0; y < size.height; ++y) {
+    InvRowChunks(sch, RowPtr(low, low_step, y), RowPtr(high, high_step, y), RowPtr(dst, dst_step, y), size.width,
+                 phase ? 1 : 0);
+  }
+}
+
+// ---------------------------------------------------------------------------------
+// Streaming column rows (ColLift / ColStep).
+
+// 5/3: per column, every input is loaded before either output is stored, so the
+// high row may be the previous high row.
+template <class T>
+void Fwd53LiftSimd(const T* x0, const T* x1, const T* x2, T* low, const T* dprev, T* high, int width) {
+  const hn::ScalableTag<T> d;
+  const size_t lanes = hn::Lanes(d), w = static_cast<size_t>(width);
+  size_t i = 0;
+  for (; i + lanes <= w; i += lanes) {
+    const auto v0 = hn::LoadU(d, x0 + i), dp = hn::LoadU(d, dprev + i);
+    const auto dv = Predict53V<T>::Vec(d, hn::LoadU(d, x1 + i), v0, hn::LoadU(d, x2 + i));
+    const auto sv = Update53V<T>::Vec(d, v0, dp, dv);
+    hn::StoreU(dv, d, high + i);
+    hn::StoreU(sv, d, low + i);
+  }
+  ref::Fwd53LiftRow(x0 + i, x1 + i, x2 + i, low + i, dprev + i, high + i, width - static_cast<int>(i));
+}
+template <class T>
+void Inv53LiftSimd(const T* s, const T* dprev, const T* dcur, const T* xprev, T* odd, T* even, int width) {
+  const hn::ScalableTag<T> d;
+  const size_t lanes = hn::Lanes(d), w = static_cast<size_t>(width);
+  size_t i = 0;
+  for (; i + lanes <= w; i += lanes) {
+    const auto dp = hn::LoadU(d, dprev + i);
+    const auto e = UnUpdate53V<T>::Vec(d, hn::LoadU(d, s + i), dp, hn::LoadU(d, dcur + i));
+    const auto o = UnPredict53V<T>::Vec(d, dp, hn::LoadU(d, xprev + i), e);
+    hn::StoreU(e, d, even + i);
+    hn::StoreU(o, d, odd + i);
+  }
+  ref::Inv53LiftRow(s + i, dprev + i, dcur + i, xprev + i, odd + i, even + i, width - static_cast<int>(i));
+}
+
+// 9/7 32f: v cv - (a + b) cs, each product and the difference rounded (the first
+// steps of the inverse).
+template <const float& kCv, const float& kCs>
+struct FoldFV {
+  template <class D, class V>
+  static HWY_INLINE V Vec(D d, V v, V a, V b) {
+    return hn::Sub(hn::Mul(v, hn::Set(d, kCv)), hn::Mul(hn::Add(a, b), hn::Set(d, kCs)));
+  }
+  static float One(float v, float a, float b) { return v * kCv - (a + b) * kCs; }
+};
+
+// 9/7 in 2^-16: x +- ((c (a + b) + 2^15) >> 16) and (v cv + (a + b) cs + 2^15) >> 16
+// kept at the sample width. 16s lanes widen to 32 bits, where the low 32 bits of the
+// products fix the low 16 bits of the result; 32s lanes form the products in 64-bit
+// lanes, even and odd lanes apart, and keep bits 16..47 of each sum.
+// Bits 16..47 of v cv + s cs + 2^15 (kWithV) or of s cs + 2^15, per 32-bit lane.
+template <bool kWithV, class D32, class V32 = hn::Vec<D32>>
+HWY_INLINE V32 FoldQ16Lanes(D32 d, V32 v, int32_t cv, V32 s, int32_t cs) {
+  const hn::RepartitionToWide<D32> d64;
+  const hn::RebindToUnsigned<decltype(d64)> du64;
+  auto sum = [&](V32 a, V32 b) {  // in the 64 bits of each even lane pair
+    auto p = hn::Add(hn::MulEven(b, hn::Set(d, cs)), hn::Set(d64, int64_t{32768}));
+    if constexpr (kWithV) p = hn::Add(hn::MulEven(a, hn::Set(d, cv)), p);
+    return hn::BitCast(du64, p);
+  };
+  auto odd_down = [&](V32 a) { return hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(du64, a))); };
+  const auto even = hn::ShiftRight<16>(sum(v, s));
+  const auto odd = hn::ShiftLeft<16>(sum(odd_down(v), odd_down(s)));
+  return hn::OddEven(hn::BitCast(d, odd), hn::BitCast(d, even));
+}
+
+template <class S, int32_t kC, bool kAdd>
+struct AddQ16V {
+  template <class D, class V>
+  static HWY_INLINE V Vec(D d, V x, V a, V b) {
+    if constexpr (std::is_same_v<S, int32_t>) {
+      const auto t = FoldQ16Lanes<false>(d, x, 0, hn::Add(a, b), kC);
+      return kAdd ? hn::Add(x, t) : hn::Sub(x, t);
+    } else {
+      return Widen16(d, x, a, b, [](auto d32, auto x32, auto a32, auto b32) {
+        const auto t = hn::ShiftRight<16>(hn::Add(hn::Mul(hn::Add(a32, b32), hn::Set(d32, kC)), hn::Set(d32, 32768)));
+        return kAdd ? hn::Add(x32, t) : hn::Sub(x32, t);
+      });
+    }
+  }
+  static S One(S x, S a, S b) { return kAdd ? ref::D97Q16<S>::Add(x, a, b, kC) : ref::D97Q16<S>::Sub(x, a, b, kC); }
+};
+template <class S, int32_t kCv, int32_t kCs>
+struct FoldQ16V {
+  template <class D, class V>
+  static HWY_INLINE V Vec(D d, V v, V a, V b) {
+    if constexpr (std::is_same_v<S, int32_t>) {
+      return FoldQ16Lanes<true>(d, v, kCv, hn::Add(a, b), kCs);
+    } else {
+      return Widen16(d, v, a, b, [](auto d32, auto v32, auto a32, auto b32) {
+        const auto p = hn::Add(hn::Mul(v32, hn::Set(d32, kCv)), hn::Mul(hn::Add(a32, b32), hn::Set(d32, kCs)));
+        return hn::ShiftRight<16>(hn::Add(p, hn::Set(d32, 32768)));
+      });
+    }
+  }
+  static S One(S v, S a, S b) { return ref::D97Q16<S>::Fold(v, kCv, a, b, kCs); }
+};
+
+template <class S>
+void Fwd97LiftSimd(const S* x0, const S* x1, const S* x2, S* lp, S* lc, S* hp2, S* hp, S* hc, int width) {
+  const size_t w = static_cast<size_t>(width);
+  if constexpr (std::is_same_v<S, float>) {
+    StepRow<StepFV<ref::kAlpha, true>>(hc, x1, x0, x2, w);
+    StepRow<StepFV<ref::kBeta, true>>(lc, x0, hp, hc, w);
+    StepRow<StepFV<ref::kGamma, true>>(hp, hp, lp, lc, w);
+    StepRow<StepFV<ref::kDelta, true>>(lp, lp, hp2, hp, w);
+    UnaryRow<ScaleFV<ref::kInvK>>(lp, w);
+    UnaryRow<ScaleFV<ref::kK>>(hp2, w);
+  } else {
+    StepRow<AddQ16V<S, ref::kAlphaQ16, true>>(hc, x1, x0, x2, w);
+    StepRow<AddQ16V<S, ref::kBetaQ16, true>>(lc, x0, hp, hc, w);
+    StepRow<AddQ16V<S, ref::kGammaQ16, true>>(hp, hp, lp, lc, w);
+    StepRow<FoldQ16V<S, ref::kInvKQ16, ref::kDeltaOverKQ16>>(lp, lp, hp2, hp, w);
+    StepRow<FoldQ16V<S, ref::kKQ16, 0>>(hp2, hp2, hp2, hp2, w);
+  }
+}
+
+template <class S>
+void Inv97LiftSimd(const S* l, const S* hprev, const S* h, S* op, S* oc, S* ep2, S* ep, S* ec, int width) {
+  const size_t w = static_cast<size_t>(width);
+  if constexpr (std::is_same_v<S, float>) {
+    StepRow<FoldFV<ref::kK, ref::kDeltaOverK>>(ec, l, hprev, h, w);
+    StepRow<FoldFV<ref::kInvK, ref::kGamma>>(oc, hprev, ep, ec, w);
+    StepRow<StepFV<ref::kBeta, false>>(ep, ep, op, oc, w);
+    StepRow<StepFV<ref::kAlpha, false>>(op, op, ep2, ep, w);
+  } else {
+    StepRow<FoldQ16V<S, ref::kKQ16, -ref::kDeltaOverKQ16>>(ec, l, hprev, h, w);
+    StepRow<FoldQ16V<S, ref::kInvKQ16, -ref::kGammaQ16>>(oc, hprev, ep, ec, w);
+    StepRow<AddQ16V<S, ref::kBetaQ16, false>>(ep, ep, op, oc, w);
+    StepRow<AddQ16V<S, ref::kAlphaQ16, false>>(op, op, ep2, ep, w);
+  }
 }
 
 #endif  // HWY_TARGET != HWY_SCALAR
