@@ -249,23 +249,41 @@ void EndPass(Book& bk) {
 // termination the queue is offered to the caller after every decision that produced a
 // byte, as the one-at-a-time drain does, because held-back bytes are released by rules
 // that look at the queue after each decision.
-template <bool kHold, bool kSkewed>
-void MqCodeDecisions(Book& bk, const Kro8u* d, int n, Kro8u* dst, int& out, int want) {
-  MqEncoder& e = bk.mq;
+// Codes n recorded decisions of an MQ pass with the registers in locals; a function of
+// its own so that nothing else competes for the machine registers.
+template <bool kSkewed>
+__attribute__((noinline)) void MqCodeRun(MqEncoder& e, const Kro8u* d, const Kro8u* end) {
   MqEncLocal l(e);
-  for (int i = 0; i < n; ++i) {
-    const uint32_t v = d[i];
-    const int32_t qw = l.qw;
+  for (; d != end; ++d) {
+    const uint32_t v = *d;
     if constexpr (kSkewed)
       l.EncodeSkewed(v & 1u, v >> 1);
     else
       l.Encode(v & 1u, v >> 1);
-    if (kHold && l.qw != qw) {
-      l.Store(e);
-      out += Deliver(bk, dst + out, want - out);
-    }
   }
   l.Store(e);
+}
+
+// Under minimal termination the queue is offered to the caller after every decision
+// that produced a byte, as the one-at-a-time drain does, because held-back bytes are
+// released by rules that look at the queue after each decision.
+void MqCodeDecisions(Book& bk, const Kro8u* d, int n, Kro8u* dst, int& out, int want,
+                     bool skewed) {
+  MqEncoder& e = bk.mq;
+  if (!e.hold_ones) {
+    if (skewed)
+      MqCodeRun<true>(e, d, d + n);
+    else
+      MqCodeRun<false>(e, d, d + n);
+    return;
+  }
+  for (int i = 0; i < n; ++i) {
+    const int32_t qw = e.qw;
+    MqEncLocal l(e);
+    l.Encode(d[i] & 1u, d[i] >> 1u);
+    l.Store(e);
+    if (e.qw != qw) out += Deliver(bk, dst + out, want - out);
+  }
 }
 
 // Passes 0, 3, 6, ... are cleanup passes.
@@ -298,16 +316,8 @@ int decEncoderMQEncodeAndTerminate(Book& bk, const Kro8u* decisions, Kro8u* dst,
       bk.cursor += n;
       if (raw) {
         for (int i = 0; i < n; ++i) RawPutBit(e, d[i] & 1);
-      } else if (IsCleanup(bk.pass)) {
-        if (e.hold_ones)
-          MqCodeDecisions<true, true>(bk, d, n, dst, out, want);
-        else
-          MqCodeDecisions<false, true>(bk, d, n, dst, out, want);
       } else {
-        if (e.hold_ones)
-          MqCodeDecisions<true, false>(bk, d, n, dst, out, want);
-        else
-          MqCodeDecisions<false, false>(bk, d, n, dst, out, want);
+        MqCodeDecisions(bk, d, n, dst, out, want, IsCleanup(bk.pass));
       }
       continue;
     }
