@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// One 2D level of the 5/3 and 9/7 wavelets on a tile, in place and out of place, and
-// the component transforms on three planes; throughput in samples per second.
+// One 2D level of the 5/3 and 9/7 wavelets on a tile, in place and out of place, the
+// streaming and region forms, and the component transforms on three planes;
+// throughput in samples and bytes per second against memcpy of the same bytes.
 #include <benchmark/benchmark.h>
 #include <string.h>
 
@@ -11,117 +12,110 @@
 
 namespace {
 
+// ---- One 2D level of the wavelets on a 2048x2048 tile, samples per second (and
+// bytes of the tile per second: each level reads and writes every sample at least
+// once). BM_yardstick_wavelet_memcpy copies the 32-bit tile.
+
+constexpr int kSide = 2048;
+constexpr int64_t kTileSamples = int64_t{kSide} * kSide;
+
 template <class T>
 struct Tile {
-  int n;
-  std::vector<T> img;
+  std::vector<T> img = kro_bench::RandomVector<T>(kTileSamples, -1000, 1000);
   std::vector<Kro8u> buf;
-  explicit Tile(int side, int64_t range) : n(side), img(kro_bench::RandomVector<T>(size_t(side) * side, -range, range)) {}
-  int step() const { return n * static_cast<int>(sizeof(T)); }
-  KroiRect rect() const { return {0, 0, n, n}; }
+  static constexpr int kStep = kSide * static_cast<int>(sizeof(T));
+  static constexpr KroiRect kRect = {0, 0, kSide, kSide};
+  // Four bands of the out-of-place forms, each a quarter of the tile.
+  std::vector<T> bands = kro_bench::RandomVector<T>(kTileSamples, -1000, 1000);
+  T* band[4] = {&bands[0], &bands[kTileSamples / 4], &bands[kTileSamples / 2], &bands[3 * kTileSamples / 4]};
+  const T* cband[4] = {band[0], band[1], band[2], band[3]};
+  int band_step[4] = {kStep / 2, kStep / 2, kStep / 2, kStep / 2};
 };
 
-void Items(benchmark::State& state, int64_t per_iteration) {
-  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * per_iteration);
+template <class T>
+void CountTile(benchmark::State& state) {
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kTileSamples);
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * kTileSamples * 2 * sizeof(T));
 }
 
-// In place: the same tile transformed over and over (integer samples only wrap).
+void BM_yardstick_wavelet_memcpy(benchmark::State& state) {
+  Tile<Kro32s> t;
+  for (auto _ : state) {
+    memcpy(t.bands.data(), t.img.data(), kTileSamples * sizeof(Kro32s));
+    benchmark::ClobberMemory();
+  }
+  CountTile<Kro32s>(state);
+}
+BENCHMARK(BM_yardstick_wavelet_memcpy)->Name("BM_yardstick_wavelet_memcpy/2048")->UseRealTime();
+
+// In place: the same tile transformed over and over (integer samples only wrap or
+// saturate, at the same speed).
 template <class T, auto kSize, auto kFn>
 void InPlace(benchmark::State& state) {
-  Tile<T> t(static_cast<int>(state.range(0)), 1000);
-  const KroiRect r = t.rect();
+  Tile<T> t;
   int size = 0;
-  kSize(&r, &size);
-  t.buf.resize(size + 1);
+  kSize(&Tile<T>::kRect, &size);
+  t.buf.resize(size);
   for (auto _ : state) {
-    kFn(t.img.data(), t.step(), &r, t.buf.data());
+    kFn(t.img.data(), Tile<T>::kStep, &Tile<T>::kRect, t.buf.data());
     benchmark::ClobberMemory();
   }
-  Items(state, int64_t{t.n} * t.n);
+  CountTile<T>(state);
 }
-
 template <class T, auto kSize, auto kFn>
 void FwdOutOfPlace(benchmark::State& state) {
-  Tile<T> t(static_cast<int>(state.range(0)), 1000);
-  const KroiRect r = t.rect();
+  Tile<T> t;
   int size = 0;
-  kSize(&r, &size);
+  kSize(&Tile<T>::kRect, &size);
   t.buf.resize(size);
-  const int h = (t.n + 1) / 2;
-  std::vector<T> bands(size_t(4) * h * h);
-  T* dst[4] = {&bands[0], &bands[size_t(h) * h], &bands[size_t(2) * h * h], &bands[size_t(3) * h * h]};
-  int steps[4] = {h * int(sizeof(T)), h * int(sizeof(T)), h * int(sizeof(T)), h * int(sizeof(T))};
   for (auto _ : state) {
-    kFn(t.img.data(), t.step(), dst, steps, &r, t.buf.data());
+    kFn(t.img.data(), Tile<T>::kStep, t.band, t.band_step, &Tile<T>::kRect, t.buf.data());
     benchmark::ClobberMemory();
   }
-  Items(state, int64_t{t.n} * t.n);
+  CountTile<T>(state);
 }
-
 template <class T, auto kSize, auto kFn>
 void InvOutOfPlace(benchmark::State& state) {
-  Tile<T> t(static_cast<int>(state.range(0)), 1000);
-  const KroiRect r = t.rect();
+  Tile<T> t;
   int size = 0;
-  kSize(&r, &size);
+  kSize(&Tile<T>::kRect, &size);
   t.buf.resize(size);
-  const int h = (t.n + 1) / 2;
-  std::vector<T> bands = kro_bench::RandomVector<T>(size_t(4) * h * h, -1000, 1000);
-  const T* src[4] = {&bands[0], &bands[size_t(h) * h], &bands[size_t(2) * h * h], &bands[size_t(3) * h * h]};
-  int steps[4] = {h * int(sizeof(T)), h * int(sizeof(T)), h * int(sizeof(T)), h * int(sizeof(T))};
   for (auto _ : state) {
-    kFn(src, steps, t.img.data(), t.step(), &r, t.buf.data());
+    kFn(t.cband, t.band_step, t.img.data(), Tile<T>::kStep, &Tile<T>::kRect, t.buf.data());
     benchmark::ClobberMemory();
   }
-  Items(state, int64_t{t.n} * t.n);
+  CountTile<T>(state);
 }
-
-void BM_wavelet_WTFwd_B53_32s_C1IR(benchmark::State& s) {
-  InPlace<Kro32s, kroiWTGetBufSize_B53_JPEG2K_32s_C1IR, kroiWTFwd_B53_JPEG2K_32s_C1IR>(s);
-}
-void BM_wavelet_WTInv_B53_32s_C1IR(benchmark::State& s) {
-  InPlace<Kro32s, kroiWTGetBufSize_B53_JPEG2K_32s_C1IR, kroiWTInv_B53_JPEG2K_32s_C1IR>(s);
-}
-void BM_wavelet_WTFwd_B53_32s_C1R(benchmark::State& s) {
-  FwdOutOfPlace<Kro32s, kroiWTGetBufSize_B53_JPEG2K_32s_C1R, kroiWTFwd_B53_JPEG2K_32s_C1R>(s);
-}
-void BM_wavelet_WTInv_B53_32s_C1R(benchmark::State& s) {
-  InvOutOfPlace<Kro32s, kroiWTGetBufSize_B53_JPEG2K_32s_C1R, kroiWTInv_B53_JPEG2K_32s_C1R>(s);
-}
-void BM_wavelet_WTFwd_B53_16s_C1IR(benchmark::State& s) {
-  InPlace<Kro16s, kroiWTGetBufSize_B53_JPEG2K_16s_C1IR, kroiWTFwd_B53_JPEG2K_16s_C1IR>(s);
-}
-void BM_wavelet_WTFwd_D97_16s_C1IR(benchmark::State& s) {
-  InPlace<Kro16s, kroiWTGetBufSize_D97_JPEG2K_16s_C1IR, kroiWTFwd_D97_JPEG2K_16s_C1IR>(s);
-}
-void BM_wavelet_WTInv_D97_16s_C1IR(benchmark::State& s) {
-  InPlace<Kro16s, kroiWTGetBufSize_D97_JPEG2K_16s_C1IR, kroiWTInv_D97_JPEG2K_16s_C1IR>(s);
-}
-void BM_wavelet_WTFwd_D97_16s_C1R(benchmark::State& s) {
-  FwdOutOfPlace<Kro16s, kroiWTGetBufSize_D97_JPEG2K_16s_C1R, kroiWTFwd_D97_JPEG2K_16s_C1R>(s);
-}
-void BM_wavelet_WTInv_D97_16s_C1R(benchmark::State& s) {
-  InvOutOfPlace<Kro16s, kroiWTGetBufSize_D97_JPEG2K_16s_C1R, kroiWTInv_D97_JPEG2K_16s_C1R>(s);
-}
-void BM_wavelet_WTFwd_D97_32s_C1IR(benchmark::State& s) {
-  InPlace<Kro32s, kroiWTGetBufSize_D97_JPEG2K_32s_C1IR, kroiWTFwd_D97_JPEG2K_32s_C1IR>(s);
-}
-BENCHMARK(BM_wavelet_WTFwd_B53_32s_C1IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTInv_B53_32s_C1IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTFwd_B53_32s_C1R)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTInv_B53_32s_C1R)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTFwd_B53_16s_C1IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTFwd_D97_16s_C1IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTInv_D97_16s_C1IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTFwd_D97_16s_C1R)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTInv_D97_16s_C1R)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_wavelet_WTFwd_D97_32s_C1IR)->Arg(2048)->Unit(benchmark::kMillisecond);
+#define WAVELET_BENCH(name, ...) \
+  BENCHMARK_TEMPLATE(__VA_ARGS__)->Name("BM_wavelet_" #name "/2048")->UseRealTime();
+WAVELET_BENCH(WTFwd_B53_32s_C1IR, InPlace, Kro32s, kroiWTGetBufSize_B53_JPEG2K_32s_C1IR,
+              kroiWTFwd_B53_JPEG2K_32s_C1IR)
+WAVELET_BENCH(WTInv_B53_32s_C1IR, InPlace, Kro32s, kroiWTGetBufSize_B53_JPEG2K_32s_C1IR,
+              kroiWTInv_B53_JPEG2K_32s_C1IR)
+WAVELET_BENCH(WTFwd_B53_32s_C1R, FwdOutOfPlace, Kro32s, kroiWTGetBufSize_B53_JPEG2K_32s_C1R,
+              kroiWTFwd_B53_JPEG2K_32s_C1R)
+WAVELET_BENCH(WTInv_B53_32s_C1R, InvOutOfPlace, Kro32s, kroiWTGetBufSize_B53_JPEG2K_32s_C1R,
+              kroiWTInv_B53_JPEG2K_32s_C1R)
+WAVELET_BENCH(WTFwd_B53_16s_C1IR, InPlace, Kro16s, kroiWTGetBufSize_B53_JPEG2K_16s_C1IR,
+              kroiWTFwd_B53_JPEG2K_16s_C1IR)
+WAVELET_BENCH(WTInv_B53_16s_C1IR, InPlace, Kro16s, kroiWTGetBufSize_B53_JPEG2K_16s_C1IR,
+              kroiWTInv_B53_JPEG2K_16s_C1IR)
+WAVELET_BENCH(WTFwd_D97_32s_C1IR, InPlace, Kro32s, kroiWTGetBufSize_D97_JPEG2K_32s_C1IR,
+              kroiWTFwd_D97_JPEG2K_32s_C1IR)
+WAVELET_BENCH(WTInv_D97_32s_C1IR, InPlace, Kro32s, kroiWTGetBufSize_D97_JPEG2K_32s_C1IR,
+              kroiWTInv_D97_JPEG2K_32s_C1IR)
+WAVELET_BENCH(WTFwd_D97_16s_C1IR, InPlace, Kro16s, kroiWTGetBufSize_D97_JPEG2K_16s_C1IR,
+              kroiWTFwd_D97_JPEG2K_16s_C1IR)
+WAVELET_BENCH(WTInv_D97_16s_C1IR, InPlace, Kro16s, kroiWTGetBufSize_D97_JPEG2K_16s_C1IR,
+              kroiWTInv_D97_JPEG2K_16s_C1IR)
+WAVELET_BENCH(WTFwd_D97_16s_C1R, FwdOutOfPlace, Kro16s, kroiWTGetBufSize_D97_JPEG2K_16s_C1R,
+              kroiWTFwd_D97_JPEG2K_16s_C1R)
 
 // 9/7 in single precision has no 2D function: a level is the column form into two
 // half-height images, then the row form on each, the caller holding the neighbours
 // (here the tile is surrounded by a margin of 4 samples).
 void BM_wavelet_D97_32f_ColRow(benchmark::State& state) {
-  const int n = static_cast<int>(state.range(0)), m = 4, stride = n + 2 * m;
+  const int n = kSide, m = 4, stride = n + 2 * m;
   std::vector<float> src(size_t(stride) * stride);
   for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<float>((i * 2654435761u) % 1000) - 500.0f;
   std::vector<float> lo(size_t(stride) * (n / 2 + 2 * m)), hi(lo.size()), out(size_t(n / 2) * n * 2);
@@ -129,19 +123,19 @@ void BM_wavelet_D97_32f_ColRow(benchmark::State& state) {
   for (auto _ : state) {
     kroiWTFwdCol_D97_JPEG2K_32f_C1R(&src[size_t(m) * stride + m], step, &lo[size_t(m) * stride + m], step,
                                     &hi[size_t(m) * stride + m], step, KroiSize{n, half}, 0);
-    kroiWTFwdRow_D97_JPEG2K_32f_C1R(&lo[size_t(m) * stride + m], step, &out[0], half * 4, &out[size_t(half) * half],
-                                    half * 4, KroiSize{half, half}, 0);
+    kroiWTFwdRow_D97_JPEG2K_32f_C1R(&lo[size_t(m) * stride + m], step, &out[0], half * 4,
+                                    &out[size_t(half) * half], half * 4, KroiSize{half, half}, 0);
     kroiWTFwdRow_D97_JPEG2K_32f_C1R(&hi[size_t(m) * stride + m], step, &out[size_t(2) * half * half], half * 4,
                                     &out[size_t(3) * half * half], half * 4, KroiSize{half, half}, 0);
     benchmark::ClobberMemory();
   }
-  Items(state, int64_t{n} * n);
+  CountTile<float>(state);
 }
-BENCHMARK(BM_wavelet_D97_32f_ColRow)->Arg(2048)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_wavelet_D97_32f_ColRow)->Name("BM_wavelet_D97_32f_ColRow/2048")->UseRealTime();
 
 // The vertical pass alone through the streaming column step, row pair by row pair.
 void BM_wavelet_WTFwdColLift_D97_32f(benchmark::State& state) {
-  const int n = static_cast<int>(state.range(0));
+  const int n = kSide;
   std::vector<float> src(size_t(n) * n), rows(size_t(5) * n);
   for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<float>((i * 2654435761u) % 1000) - 500.0f;
   for (auto _ : state) {
@@ -155,58 +149,91 @@ void BM_wavelet_WTFwdColLift_D97_32f(benchmark::State& state) {
     }
     benchmark::ClobberMemory();
   }
-  Items(state, int64_t{n} * n);
+  CountTile<float>(state);
 }
-BENCHMARK(BM_wavelet_WTFwdColLift_D97_32f)->Arg(2048)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_wavelet_WTFwdColLift_D97_32f)->Name("BM_wavelet_WTFwdColLift_D97_32f/2048")->UseRealTime();
 
-template <class T, auto kFn>
+// ---- Component transforms on a 3840x2400 image (9.2 Mpixel), pixels and bytes per
+// second. BM_yardstick_component_memcpy copies the bytes the 32-bit planar forms
+// read and write (three planes each way): streaming kernels compare their bytes/s
+// with its bytes/s. Run with --kroj_threads=2 for the row-parallel 32s RCT figures.
+
+constexpr int kW = 3840, kH = 2400;
+constexpr int64_t kPixels = int64_t{kW} * kH;
+
+void Count(benchmark::State& state, int64_t bytes) {
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kPixels);
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * bytes);
+}
+
+template <class T>
+struct Planes {
+  std::vector<T> v[3] = {kro_bench::RandomVector<T>(kPixels, 0, 255, 1),
+                         kro_bench::RandomVector<T>(kPixels, 0, 255, 2),
+                         kro_bench::RandomVector<T>(kPixels, 0, 255, 3)};
+  std::vector<T> c3 = kro_bench::RandomVector<T>(3 * kPixels, 0, 255, 4);
+  T* p[3] = {v[0].data(), v[1].data(), v[2].data()};
+  const T* cp[3] = {v[0].data(), v[1].data(), v[2].data()};
+  static constexpr int kStep = kW * static_cast<int>(sizeof(T));
+};
+
+void BM_yardstick_component_memcpy(benchmark::State& state) {
+  Planes<Kro32s> img;
+  for (auto _ : state) {
+    for (int c = 0; c < 3; ++c)
+      memcpy(img.c3.data() + c * kPixels, img.p[c], kPixels * sizeof(Kro32s));
+    benchmark::ClobberMemory();
+  }
+  Count(state, 2 * 3 * kPixels * sizeof(Kro32s));
+}
+BENCHMARK(BM_yardstick_component_memcpy)
+    ->Name("BM_yardstick_component_memcpy/3840x2400")
+    ->UseRealTime();
+
+// Planar in place; the 32f forms run forward and inverse in turn so that repeated
+// passes neither grow nor decay into denormals (each pass counts).
+template <class T, auto... kFns>
 void PlanesInPlace(benchmark::State& state) {
-  const int n = static_cast<int>(state.range(0));
-  std::vector<T> p[3] = {kro_bench::RandomVector<T>(size_t(n) * n, 0, 255, 1),
-                         kro_bench::RandomVector<T>(size_t(n) * n, 0, 255, 2),
-                         kro_bench::RandomVector<T>(size_t(n) * n, 0, 255, 3)};
-  T* planes[3] = {p[0].data(), p[1].data(), p[2].data()};
+  Planes<T> img;
   for (auto _ : state) {
-    kFn(planes, n * static_cast<int>(sizeof(T)), KroiSize{n, n});
+    (kFns(img.p, Planes<T>::kStep, KroiSize{kW, kH}), ...);
     benchmark::ClobberMemory();
   }
-  Items(state, int64_t{n} * n);
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kPixels * sizeof...(kFns));
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * kPixels * 6 * sizeof(T) *
+                          sizeof...(kFns));
 }
-void BM_component_RCTFwd_32s_P3IR(benchmark::State& s) { PlanesInPlace<Kro32s, kroiRCTFwd_JPEG2K_32s_P3IR>(s); }
-void BM_component_RCTInv_32s_P3IR(benchmark::State& s) { PlanesInPlace<Kro32s, kroiRCTInv_JPEG2K_32s_P3IR>(s); }
-void BM_component_ICTFwd_16s_P3IR(benchmark::State& s) { PlanesInPlace<Kro16s, kroiICTFwd_JPEG2K_16s_P3IR>(s); }
-// Forward and inverse in turn, so that repeated float passes neither grow nor decay
-// into denormals; each pass counts.
-void BM_component_ICTFwdInv_32f_P3IR(benchmark::State& state) {
-  const int n = static_cast<int>(state.range(0));
-  std::vector<Kro32f> p[3] = {kro_bench::RandomVector<Kro32f>(size_t(n) * n, 0, 255, 1),
-                              kro_bench::RandomVector<Kro32f>(size_t(n) * n, 0, 255, 2),
-                              kro_bench::RandomVector<Kro32f>(size_t(n) * n, 0, 255, 3)};
-  Kro32f* planes[3] = {p[0].data(), p[1].data(), p[2].data()};
+template <class T, auto kFn>
+void Split(benchmark::State& state) {
+  Planes<T> img;
   for (auto _ : state) {
-    kroiICTFwd_JPEG2K_32f_P3IR(planes, 4 * n, KroiSize{n, n});
-    kroiICTInv_JPEG2K_32f_P3IR(planes, 4 * n, KroiSize{n, n});
+    kFn(img.c3.data(), 3 * Planes<T>::kStep, img.p, Planes<T>::kStep, KroiSize{kW, kH});
     benchmark::ClobberMemory();
   }
-  Items(state, int64_t{2} * n * n);
+  Count(state, kPixels * 6 * sizeof(T));
 }
-BENCHMARK(BM_component_RCTFwd_32s_P3IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_component_RCTInv_32s_P3IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_component_ICTFwd_16s_P3IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_component_ICTFwdInv_32f_P3IR)->Arg(2048)->Unit(benchmark::kMillisecond);
-
-void BM_component_RCTFwd_32s_C3P3R(benchmark::State& state) {
-  const int n = static_cast<int>(state.range(0));
-  std::vector<Kro32s> src = kro_bench::RandomVector<Kro32s>(size_t(3) * n * n, 0, 255);
-  std::vector<Kro32s> p[3] = {std::vector<Kro32s>(size_t(n) * n), std::vector<Kro32s>(size_t(n) * n),
-                              std::vector<Kro32s>(size_t(n) * n)};
-  Kro32s* planes[3] = {p[0].data(), p[1].data(), p[2].data()};
+template <class T, auto kFn>
+void Merge(benchmark::State& state) {
+  Planes<T> img;
   for (auto _ : state) {
-    kroiRCTFwd_JPEG2K_32s_C3P3R(src.data(), 12 * n, planes, 4 * n, KroiSize{n, n});
+    kFn(img.cp, Planes<T>::kStep, img.c3.data(), 3 * Planes<T>::kStep, KroiSize{kW, kH});
     benchmark::ClobberMemory();
   }
-  Items(state, int64_t{n} * n);
+  Count(state, kPixels * 6 * sizeof(T));
 }
-BENCHMARK(BM_component_RCTFwd_32s_C3P3R)->Arg(2048)->Unit(benchmark::kMillisecond);
+#define COMPONENT_BENCH(name, ...) \
+  BENCHMARK_TEMPLATE(__VA_ARGS__)->Name("BM_component_" #name "/3840x2400")->UseRealTime();
+COMPONENT_BENCH(RCTFwd_32s_P3IR, PlanesInPlace, Kro32s, kroiRCTFwd_JPEG2K_32s_P3IR)
+COMPONENT_BENCH(RCTInv_32s_P3IR, PlanesInPlace, Kro32s, kroiRCTInv_JPEG2K_32s_P3IR)
+COMPONENT_BENCH(RCTFwd_16s_P3IR, PlanesInPlace, Kro16s, kroiRCTFwd_JPEG2K_16s_P3IR)
+COMPONENT_BENCH(ICTFwd_32s_P3IR, PlanesInPlace, Kro32s, kroiICTFwd_JPEG2K_32s_P3IR)
+COMPONENT_BENCH(ICTInv_32s_P3IR, PlanesInPlace, Kro32s, kroiICTInv_JPEG2K_32s_P3IR)
+COMPONENT_BENCH(ICTFwd_16s_P3IR, PlanesInPlace, Kro16s, kroiICTFwd_JPEG2K_16s_P3IR)
+COMPONENT_BENCH(ICTFwdInv_32f_P3IR, PlanesInPlace, Kro32f, kroiICTFwd_JPEG2K_32f_P3IR,
+                kroiICTInv_JPEG2K_32f_P3IR)
+COMPONENT_BENCH(RCTFwd_32s_C3P3R, Split, Kro32s, kroiRCTFwd_JPEG2K_32s_C3P3R)
+COMPONENT_BENCH(RCTInv_32s_P3C3R, Merge, Kro32s, kroiRCTInv_JPEG2K_32s_P3C3R)
+COMPONENT_BENCH(ICTFwd_32f_C3P3R, Split, Kro32f, kroiICTFwd_JPEG2K_32f_C3P3R)
+COMPONENT_BENCH(ICTInv_32f_P3C3R, Merge, Kro32f, kroiICTInv_JPEG2K_32f_P3C3R)
 
 }  // namespace

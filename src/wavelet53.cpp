@@ -48,6 +48,14 @@ template <class T>
 void Inv53Lift(const T* s, const T* dprev, const T* d, const T* xprev, T* odd, T* even, int w) {
   Inv53LiftSimd(s, dprev, d, xprev, odd, even, w);
 }
+template <class T>
+void Fwd53Bands(const T* s, int ss, T* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+  FwdBands<T, Fwd53Ref<T>, Fwd53Level<T>>(kFwd53<T>, s, ss, b, bs, r, buf);
+}
+template <class T>
+void Inv53Bands(const T* const* b, const int* bs, T* d, int ds, const KroiRect& r, uint8_t* buf) {
+  InvBands<T, Inv53Ref<T>, Inv53Level<T>>(kInv53<T>, b, bs, d, ds, r, buf);
+}
 #else
 template <class T>
 void Fwd53Level(T* img, int step, const KroiRect& r, uint8_t* buf) {
@@ -80,6 +88,14 @@ void Fwd53Lift(const T* x0, const T* x1, const T* x2, T* low, const T* dprev, T*
 template <class T>
 void Inv53Lift(const T* s, const T* dprev, const T* d, const T* xprev, T* odd, T* even, int w) {
   ref::Inv53LiftRow(s, dprev, d, xprev, odd, even, w);
+}
+template <class T>
+void Fwd53Bands(const T* s, int ss, T* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+  FwdBandsThroughImage<T, Fwd53Level<T>>(s, ss, b, bs, r, buf);
+}
+template <class T>
+void Inv53Bands(const T* const* b, const int* bs, T* d, int ds, const KroiRect& r, uint8_t* buf) {
+  InvBandsThroughImage<T, Inv53Level<T>>(b, bs, d, ds, r, buf);
 }
 #endif
 
@@ -129,6 +145,19 @@ void Inv53Lift32s(const int32_t* s, const int32_t* dprev, const int32_t* d, cons
   Inv53Lift(s, dprev, d, xprev, odd, even, w);
 }
 
+void Fwd53Bands16s(const int16_t* s, int ss, int16_t* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+  Fwd53Bands(s, ss, b, bs, r, buf);
+}
+void Inv53Bands16s(const int16_t* const* b, const int* bs, int16_t* d, int ds, const KroiRect& r, uint8_t* buf) {
+  Inv53Bands(b, bs, d, ds, r, buf);
+}
+void Fwd53Bands32s(const int32_t* s, int ss, int32_t* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+  Fwd53Bands(s, ss, b, bs, r, buf);
+}
+void Inv53Bands32s(const int32_t* const* b, const int* bs, int32_t* d, int ds, const KroiRect& r, uint8_t* buf) {
+  Inv53Bands(b, bs, d, ds, r, buf);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace kro
 HWY_AFTER_NAMESPACE();
@@ -136,6 +165,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace kro {
 
+HWY_EXPORT(Fwd53Bands16s);
+HWY_EXPORT(Fwd53Bands32s);
+HWY_EXPORT(Inv53Bands16s);
+HWY_EXPORT(Inv53Bands32s);
 HWY_EXPORT(Fwd53Level16s);
 HWY_EXPORT(Fwd53Level32s);
 HWY_EXPORT(Inv53Level16s);
@@ -237,7 +270,7 @@ KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstSt
 }
 KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstBand[4],
                                                   int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level16s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
+  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Bands16s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
@@ -246,7 +279,7 @@ KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstSt
 }
 KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstBand[4],
                                                   int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level32s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
+  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Bands32s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTGetBufSize_B53_JPEG2K_16s_C1IR(const KroiRect* pTileRect, int* pSize) {
@@ -311,7 +344,7 @@ KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstSt
 }
 KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4], Kro16s* pDst,
                                                   int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level16s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
+  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Bands16s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
@@ -320,7 +353,7 @@ KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstSt
 }
 KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4], Kro32s* pDst,
                                                   int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level32s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
+  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Bands32s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
                                                             pBuffer);
 }
 #endif  // HWY_ONCE

@@ -50,6 +50,14 @@ template <class T>
 void Inv97Lift(const T* l, const T* hprev, const T* h, T* op, T* oc, T* ep2, T* ep, T* ec, int w) {
   Inv97LiftSimd(l, hprev, h, op, oc, ep2, ep, ec, w);
 }
+template <class T>
+void Fwd97Bands(const T* s, int ss, T* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+  FwdBands<T, Fwd97Ref<T>, Fwd97Level<T>>(kFwd97<T>, s, ss, b, bs, r, buf);
+}
+template <class T>
+void Inv97Bands(const T* const* b, const int* bs, T* d, int ds, const KroiRect& r, uint8_t* buf) {
+  InvBands<T, Inv97Ref<T>, Inv97Level<T>>(kInv97<T>, b, bs, d, ds, r, buf);
+}
 #else
 template <class T>
 void Fwd97Level(T* img, int step, const KroiRect& r, uint8_t* buf) {
@@ -91,6 +99,14 @@ void Inv97Lift(const T* l, const T* hprev, const T* h, T* op, T* oc, T* ep2, T* 
     ref::Inv97LiftRowsQ16(l, hprev, h, op, oc, ep2, ep, ec, w);
   }
 }
+template <class T>
+void Fwd97Bands(const T* s, int ss, T* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+  FwdBandsThroughImage<T, Fwd97Level<T>>(s, ss, b, bs, r, buf);
+}
+template <class T>
+void Inv97Bands(const T* const* b, const int* bs, T* d, int ds, const KroiRect& r, uint8_t* buf) {
+  InvBandsThroughImage<T, Inv97Level<T>>(b, bs, d, ds, r, buf);
+}
 #endif
 
 // The kernels behind the exported functions, per sample type.
@@ -115,6 +131,19 @@ void Inv97Lift32s(const int32_t* l, const int32_t* hprev, const int32_t* h, int3
 void Fwd97Lift32f(const float* x0, const float* x1, const float* x2, float* lp, float* lc, float* hp2, float* hp, float* hc, int w) { Fwd97Lift(x0, x1, x2, lp, lc, hp2, hp, hc, w); }
 void Inv97Lift32f(const float* l, const float* hprev, const float* h, float* op, float* oc, float* ep2, float* ep, float* ec, int w) { Inv97Lift(l, hprev, h, op, oc, ep2, ep, ec, w); }
 
+void Fwd97Bands16s(const int16_t* s, int ss, int16_t* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+  Fwd97Bands(s, ss, b, bs, r, buf);
+}
+void Inv97Bands16s(const int16_t* const* b, const int* bs, int16_t* d, int ds, const KroiRect& r, uint8_t* buf) {
+  Inv97Bands(b, bs, d, ds, r, buf);
+}
+void Fwd97Bands32s(const int32_t* s, int ss, int32_t* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+  Fwd97Bands(s, ss, b, bs, r, buf);
+}
+void Inv97Bands32s(const int32_t* const* b, const int* bs, int32_t* d, int ds, const KroiRect& r, uint8_t* buf) {
+  Inv97Bands(b, bs, d, ds, r, buf);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace kro
 HWY_AFTER_NAMESPACE();
@@ -122,6 +151,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace kro {
 
+HWY_EXPORT(Fwd97Bands16s);
+HWY_EXPORT(Fwd97Bands32s);
+HWY_EXPORT(Inv97Bands16s);
+HWY_EXPORT(Inv97Bands32s);
 HWY_EXPORT(Fwd97Level16s);
 HWY_EXPORT(Inv97Level16s);
 HWY_EXPORT(Fwd97Level32s);
@@ -239,7 +272,7 @@ KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstSt
 }
 KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstBand[4],
                                                   int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level16s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
+  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Bands16s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
@@ -248,7 +281,7 @@ KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstSt
 }
 KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstBand[4],
                                                   int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level32s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
+  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Bands32s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTGetBufSize_D97_JPEG2K_16s_C1IR(const KroiRect* pTileRect, int* pSize) {
@@ -327,7 +360,7 @@ KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstSt
 }
 KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4], Kro16s* pDst,
                                                   int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level16s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
+  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Bands16s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
                                                             pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
@@ -336,7 +369,7 @@ KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstSt
 }
 KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4], Kro32s* pDst,
                                                   int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level32s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
+  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Bands32s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
                                                             pBuffer);
 }
 #endif  // HWY_ONCE

@@ -549,37 +549,57 @@ KroStatus CheckOutOfPlace(const void* image, int image_step, B* const* band, con
   return kroStatusOk;
 }
 
+// The out-of-place level between a source image and four bands (forward) or back
+// (inverse), with the caller's buffer as working image and line buffer.
 template <class T>
-KroStatus Fwd2DOutOfPlace(Transform2D<T> transform, const T* pSrc, int srcStep, T* pDstBand[4], int dstBandStep[4], const KroiRect* pTileRect,
-                          Kro8u* pBuffer) {
-  const KroStatus st = CheckOutOfPlace<T>(pSrc, srcStep, pDstBand, dstBandStep, pTileRect, pBuffer);
-  if (st != kroStatusOk) return st;
-  const KroiRect r = *pTileRect;
+using FwdBandsFn = void (*)(const T* src, int src_step, T* const* band, const int* band_step, const KroiRect& r,
+                            uint8_t* buf);
+template <class T>
+using InvBandsFn = void (*)(const T* const* band, const int* band_step, T* dst, int dst_step, const KroiRect& r,
+                            uint8_t* buf);
+
+// Through the working image: copy in, one level in place (line buffer right after the
+// image), copy the quadrants out; the inverse the other way round.
+template <class T, Transform2D<T> kLevel>
+void FwdBandsThroughImage(const T* src, int src_step, T* const* band, const int* band_step, const KroiRect& r,
+                          uint8_t* buf) {
   const int work_step = WorkStep<T>(r.width);
-  T* work = reinterpret_cast<T*>(pBuffer);
-  CopyRect(pSrc, srcStep, work, work_step, r.width, r.height);
-  transform(work, work_step, r, pBuffer + static_cast<ptrdiff_t>(work_step) * r.height);
+  T* work = reinterpret_cast<T*>(buf);
+  CopyRect(src, src_step, work, work_step, r.width, r.height);
+  kLevel(work, work_step, r, buf + static_cast<ptrdiff_t>(work_step) * r.height);
   for (int b = 0; b < 4; ++b) {
     const Quadrant q = BandQuadrant(b, r.width, r.height);
-    CopyRect(RowPtr(work, work_step, q.y) + q.x, work_step, pDstBand[b], dstBandStep[b], q.w, q.h);
+    CopyRect(RowPtr(work, work_step, q.y) + q.x, work_step, band[b], band_step[b], q.w, q.h);
   }
+}
+template <class T, Transform2D<T> kLevel>
+void InvBandsThroughImage(const T* const* band, const int* band_step, T* dst, int dst_step, const KroiRect& r,
+                          uint8_t* buf) {
+  const int work_step = WorkStep<T>(r.width);
+  T* work = reinterpret_cast<T*>(buf);
+  for (int b = 0; b < 4; ++b) {
+    const Quadrant q = BandQuadrant(b, r.width, r.height);
+    CopyRect(band[b], band_step[b], RowPtr(work, work_step, q.y) + q.x, work_step, q.w, q.h);
+  }
+  kLevel(work, work_step, r, buf + static_cast<ptrdiff_t>(work_step) * r.height);
+  CopyRect(work, work_step, dst, dst_step, r.width, r.height);
+}
+
+template <class T>
+KroStatus Fwd2DOutOfPlace(FwdBandsFn<T> kernel, const T* pSrc, int srcStep, T* pDstBand[4], int dstBandStep[4],
+                          const KroiRect* pTileRect, Kro8u* pBuffer) {
+  const KroStatus st = CheckOutOfPlace<T>(pSrc, srcStep, pDstBand, dstBandStep, pTileRect, pBuffer);
+  if (st != kroStatusOk) return st;
+  kernel(pSrc, srcStep, pDstBand, dstBandStep, *pTileRect, pBuffer);
   return kroStatusOk;
 }
 
 template <class T>
-KroStatus Inv2DOutOfPlace(Transform2D<T> transform, const T* pSrcBand[4], int srcBandStep[4], T* pDst, int dstStep, const KroiRect* pTileRect,
-                          Kro8u* pBuffer) {
+KroStatus Inv2DOutOfPlace(InvBandsFn<T> kernel, const T* pSrcBand[4], int srcBandStep[4], T* pDst, int dstStep,
+                          const KroiRect* pTileRect, Kro8u* pBuffer) {
   const KroStatus st = CheckOutOfPlace<const T>(pDst, dstStep, pSrcBand, srcBandStep, pTileRect, pBuffer);
   if (st != kroStatusOk) return st;
-  const KroiRect r = *pTileRect;
-  const int work_step = WorkStep<T>(r.width);
-  T* work = reinterpret_cast<T*>(pBuffer);
-  for (int b = 0; b < 4; ++b) {
-    const Quadrant q = BandQuadrant(b, r.width, r.height);
-    CopyRect(pSrcBand[b], srcBandStep[b], RowPtr(work, work_step, q.y) + q.x, work_step, q.w, q.h);
-  }
-  transform(work, work_step, r, pBuffer + static_cast<ptrdiff_t>(work_step) * r.height);
-  CopyRect(work, work_step, pDst, dstStep, r.width, r.height);
+  kernel(pSrcBand, srcBandStep, pDst, dstStep, *pTileRect, pBuffer);
   return kroStatusOk;
 }
 

@@ -375,6 +375,18 @@ TEST_P(Wavelet53Targets, LevelsMatchTheReference) {
                                      kro::Inv2DInPlace<Kro32s, kro::Inv53Ref<Kro32s>>, rng);
 }
 
+TEST_P(Wavelet53Targets, OutOfPlaceLevelsMatchTheReference) {
+  Rng rng(532);
+  CheckBandsAgainstReference<Kro16s>(
+      kroiWTFwd_B53_JPEG2K_16s_C1R, kroiWTInv_B53_JPEG2K_16s_C1R, kroiWTGetBufSize_B53_JPEG2K_16s_C1R,
+      kro::FwdBandsThroughImage<Kro16s, kro::Fwd2DInPlace<Kro16s, kro::Fwd53Ref<Kro16s>>>,
+      kro::InvBandsThroughImage<Kro16s, kro::Inv2DInPlace<Kro16s, kro::Inv53Ref<Kro16s>>>, rng);
+  CheckBandsAgainstReference<Kro32s>(
+      kroiWTFwd_B53_JPEG2K_32s_C1R, kroiWTInv_B53_JPEG2K_32s_C1R, kroiWTGetBufSize_B53_JPEG2K_32s_C1R,
+      kro::FwdBandsThroughImage<Kro32s, kro::Fwd2DInPlace<Kro32s, kro::Fwd53Ref<Kro32s>>>,
+      kro::InvBandsThroughImage<Kro32s, kro::Inv2DInPlace<Kro32s, kro::Inv53Ref<Kro32s>>>, rng);
+}
+
 TEST_P(Wavelet53Targets, RegionAndStreamingFormsMatchTheReference) {
   Rng rng(531);
   // Source x[-2 .. 2n] or x[-1 .. 2n+1]; low 0..n or -1..n-1; high -1..n.

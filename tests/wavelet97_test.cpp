@@ -485,6 +485,18 @@ TEST_P(Wavelet97Targets, LevelsMatchTheReference) {
   }
 }
 
+TEST_P(Wavelet97Targets, OutOfPlaceLevelsMatchTheReference) {
+  Rng rng(972);
+  CheckBandsAgainstReference<Kro16s>(
+      kroiWTFwd_D97_JPEG2K_16s_C1R, kroiWTInv_D97_JPEG2K_16s_C1R, kroiWTGetBufSize_D97_JPEG2K_16s_C1R,
+      kro::FwdBandsThroughImage<Kro16s, kro::Fwd2DInPlace<Kro16s, kro::Fwd97Ref<Kro16s>>>,
+      kro::InvBandsThroughImage<Kro16s, kro::Inv2DInPlace<Kro16s, kro::Inv97Ref<Kro16s>>>, rng);
+  CheckBandsAgainstReference<Kro32s>(
+      kroiWTFwd_D97_JPEG2K_32s_C1R, kroiWTInv_D97_JPEG2K_32s_C1R, kroiWTGetBufSize_D97_JPEG2K_32s_C1R,
+      kro::FwdBandsThroughImage<Kro32s, kro::Fwd2DInPlace<Kro32s, kro::Fwd97Ref<Kro32s>>>,
+      kro::InvBandsThroughImage<Kro32s, kro::Inv2DInPlace<Kro32s, kro::Inv97Ref<Kro32s>>>, rng);
+}
+
 TEST_P(Wavelet97Targets, RegionAndStreamingFormsMatchTheReference) {
   Rng rng(971);
   // Source x[-4 .. 2n+2] or x[-3 .. 2n+3]; low -1..n+1 or -2..n; high -2..n+1.

@@ -180,18 +180,14 @@ struct ScaleFV {
 };
 
 // 9/7 32s: slots hold raw samples or the bits of lifted floats (see D97Float32s).
-// SatTrunc32 on lanes: truncation inside [-2^31, 2^31), 2^31 itself and NaN to
-// INT32_MIN, beyond to the nearer limit.
+// SatTrunc32 on lanes: the x86 targets' conversion truncates inside [-2^31, 2^31)
+// and saturates beyond (a positive NaN included); 2^31 itself and NaN then become
+// INT32_MIN as in the reference.
 template <class DF>
 HWY_INLINE hn::Vec<hn::RebindToSigned<DF>> SatTrunc32V(DF df, hn::Vec<DF> v) {
   const hn::RebindToSigned<DF> di;
-  const auto big = hn::Set(df, 2147483648.0f);
-  const auto inside = hn::RebindMask(di, hn::Lt(v, big));
-  const auto above = hn::RebindMask(di, hn::Gt(v, big));
-  const auto below = hn::RebindMask(di, hn::Lt(v, hn::Neg(big)));
-  const auto limit = hn::IfThenElse(above, hn::Set(di, INT32_MAX), hn::Set(di, INT32_MIN));
-  const auto r = hn::IfThenElse(inside, hn::ConvertTo(di, v), limit);
-  return hn::IfThenElse(below, hn::Set(di, INT32_MIN), r);
+  const auto odd = hn::Or(hn::Eq(v, hn::Set(df, 2147483648.0f)), hn::IsNaN(v));
+  return hn::IfThenElse(hn::RebindMask(di, odd), hn::Set(di, INT32_MIN), hn::ConvertTo(di, v));
 }
 
 template <class D>
@@ -517,14 +513,29 @@ void InvRowSplit(const Scheme<S>& sch, S* row, int n, int p, uint8_t* buf) {
 // in the same feed); a row's scaling and `done` follow at feed r + steps, when no
 // step reads it any more. `load(r)` runs before any step reads row r.
 
+// Rows live in the image (ring 0) or, for the out-of-place forms, in a ring of
+// `ring` rows of the working image that the pipeline cycles through: a row is in use
+// from its load (feed r - 1) to its `done` (feed r + steps), so steps + 2 slots suffice.
+template <class S>
+struct PipelineRows {
+  S* base;
+  int step, n, ring;
+  S* operator()(int j) const {
+    j = j < 0 ? -j : j >= n ? 2 * (n - 1) - j : j;
+    return RowPtr(base, step, ring ? j % ring : j);
+  }
+};
+inline constexpr int kRing = 8;
+
 template <class S, class Load, class Done>
-void VerticalPipeline(const Scheme<S>& sch, S* img, int step, int w, int n, int p, Load&& load, Done&& done) {
-  const TileRows<S> row{img, step, n};
+void VerticalPipeline(const Scheme<S>& sch, S* img, int step, int w, int n, int p, int ring, Load&& load,
+                      Done&& done) {
+  const PipelineRows<S> row{img, step, n, ring};
   const size_t width = static_cast<size_t>(w);
   int loaded = 0;
   for (int f = 0; f < n + sch.steps; ++f) {
     for (; loaded < n && loaded <= f + 1; ++loaded) {
-      load(loaded);
+      load(loaded, row(loaded));
       ApplyUnary(ref::IsOdd(loaded, p) ? sch.pre_high : sch.pre_low, row(loaded), width);
     }
     for (int t = 0; t < sch.steps; ++t) {
@@ -535,7 +546,7 @@ void VerticalPipeline(const Scheme<S>& sch, S* img, int step, int w, int n, int 
     const int r = f - sch.steps;
     if (r >= 0) {
       ApplyUnary(ref::IsOdd(r, p) ? sch.post_high : sch.post_low, row(r), width);
-      done(r);
+      done(r, row(r));
     }
   }
 }
@@ -560,7 +571,7 @@ void Fwd2D(const Scheme<S>& sch, S* img, int step, const KroiRect& r, uint8_t* b
     for (int y = 0; y < h; ++y) horizontal(y);
     return;
   }
-  VerticalPipeline(sch, img, step, w, h, py, [](int) {}, horizontal);
+  VerticalPipeline(sch, img, step, w, h, py, 0, [](int, S*) {}, [&](int y, S*) { horizontal(y); });
   MoveRows(img, step, w, h, py, true, buf);
 }
 
@@ -582,7 +593,56 @@ void Inv2D(const Scheme<S>& sch, S* img, int step, const KroiRect& r, uint8_t* b
     return;
   }
   MoveRows(img, step, w, h, py, false, buf);
-  VerticalPipeline(sch, img, step, w, h, py, horizontal, [](int) {});
+  VerticalPipeline(sch, img, step, w, h, py, 0, [&](int y, S*) { horizontal(y); }, [](int, S*) {});
+}
+
+// One 2D level between an image and four bands in a single pass down the tile: the
+// vertical pipeline loads each source row into a ring of working rows as it first
+// needs it, and each finished row is lifted horizontally and cut into its two band
+// rows (at (width + 1) / 2 whatever the origin, as the quadrant copy of the working
+// image would cut it); the inverse assembles each row from its band rows and lifts it
+// horizontally as the pipeline loads it, and stores each finished row. Tiles the
+// pipeline or the split form does not take go through the whole working image.
+template <class S, class Line, Transform2D<S> kLevel>
+void FwdBands(const Scheme<S>& sch, const S* src, int src_step, S* const* band, const int* band_step,
+              const KroiRect& r, uint8_t* buf) {
+  const int w = r.width, h = r.height, px = r.x & 1, py = r.y & 1;
+  if (w < Line::kSplitMin || h < Line::kSplitMin || h > kMaxRowMoves) {
+    FwdBandsThroughImage<S, kLevel>(src, src_step, band, band_step, r, buf);
+    return;
+  }
+  const int work_step = WorkStep<S>(w), wl = (w + 1) / 2, hl = (h + 1) / 2;
+  uint8_t* line = buf + static_cast<ptrdiff_t>(work_step) * h;
+  VerticalPipeline(
+      sch, reinterpret_cast<S*>(buf), work_step, w, h, py, kRing,
+      [&](int y, S* row) { memcpy(row, RowPtr(src, src_step, y), sizeof(S) * w); },
+      [&](int y, S* row) {
+        FwdRowSplit(sch, row, w, px, line);
+        const int i = BandPlace(y, h, py), b = i < hl ? 0 : 1, bi = i < hl ? i : i - hl;
+        memcpy(RowPtr(band[b], band_step[b], bi), row, sizeof(S) * wl);
+        memcpy(RowPtr(band[b + 2], band_step[b + 2], bi), row + wl, sizeof(S) * (w - wl));
+      });
+}
+
+template <class S, class Line, Transform2D<S> kLevel>
+void InvBands(const Scheme<S>& sch, const S* const* band, const int* band_step, S* dst, int dst_step,
+              const KroiRect& r, uint8_t* buf) {
+  const int w = r.width, h = r.height, px = r.x & 1, py = r.y & 1;
+  if (w < Line::kSplitMin || h < Line::kSplitMin || h > kMaxRowMoves) {
+    InvBandsThroughImage<S, kLevel>(band, band_step, dst, dst_step, r, buf);
+    return;
+  }
+  const int work_step = WorkStep<S>(w), wl = (w + 1) / 2, hl = (h + 1) / 2;
+  uint8_t* line = buf + static_cast<ptrdiff_t>(work_step) * h;
+  VerticalPipeline(
+      sch, reinterpret_cast<S*>(buf), work_step, w, h, py, kRing,
+      [&](int y, S* row) {
+        const int i = BandPlace(y, h, py), b = i < hl ? 0 : 1, bi = i < hl ? i : i - hl;
+        memcpy(row, RowPtr(band[b], band_step[b], bi), sizeof(S) * wl);
+        memcpy(row + wl, RowPtr(band[b + 2], band_step[b + 2], bi), sizeof(S) * (w - wl));
+        InvRowSplit(sch, row, w, px, line);
+      },
+      [&](int y, S* row) { memcpy(RowPtr(dst, dst_step, y), row, sizeof(S) * w); });
 }
 
 // ---------------------------------------------------------------------------------
