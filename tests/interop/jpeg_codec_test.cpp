@@ -193,7 +193,8 @@ TEST(JpegCodecInterop, OurFilesDecodeInLibjpegTurboToOurCoefficients) {
       {"grey q90", "camera.pgm", Opt(90, S::k420)},
       {"RGB to grey q60 restart 3", "coffee.ppm", Opt(60, S::kGrey, false, 3)},
       {"progressive 4:2:0 q90", "astronaut.ppm", Opt(90, S::k420, false, 0, true)},
-      {"progressive 4:4:4 q95 restart 5", "chelsea.ppm", Opt(95, S::k444, false, 5, true)},
+      {"progressive 4:4:4 planes q95 restart 5", "chelsea.ppm",
+       Opt(95, S::k444, false, 5, true, true)},
       {"progressive 4:2:2 planes q50", "coffee.ppm", Opt(50, S::k422, false, 0, true, true)},
       {"progressive grey q75", "camera.pgm", Opt(75, S::kGrey, false, 0, true)},
       {"17x9 progressive 4:2:0 restart 1", "chelsea.ppm", Opt(80, S::k420, false, 1, true), 17, 9},
@@ -499,6 +500,16 @@ TEST(CodecImageIo, PnmHeadersWithCommentsAndRefusals) {
   EXPECT_FALSE(krojcodec::DecodePnm(reinterpret_cast<const uint8_t*>(wide.data()), wide.size(),
                                     &img, &error));
   EXPECT_NE(error.find("maxval"), std::string::npos);
+
+  if (krojcodec::PngAvailable()) {
+    const Image grey = Crop(Load("camera.pgm"), 33, 7);
+    std::vector<uint8_t> png;
+    Image back;
+    ASSERT_TRUE(krojcodec::EncodePng(grey, &png, &error)) << error;
+    ASSERT_TRUE(krojcodec::DecodePng(png.data(), png.size(), &back, &error)) << error;
+    EXPECT_EQ(back.channels, 1);
+    EXPECT_EQ(back.pixels, grey.pixels);
+  }
 
   Image a = img, b = img;
   EXPECT_TRUE(std::isinf(krojcodec::Psnr(a, b)));
