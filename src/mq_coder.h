@@ -137,14 +137,18 @@ struct MqDecLocal {
     const MqTransition t = kMqTransitions[s];
     const uint32_t qe = t.qe;
     a -= qe;
-    const uint32_t lower = a <= (c >> 16);  // T.800's LPS sub-interval (C complemented)
-    const uint32_t flip = (a < qe ? 1u : 0u) ^ lower;  // the decision is 1 - MPS
-    c -= (a << 16) & (0u - lower);
-    a = lower ? qe : a;
+    // All-ones masks: the code value lies in the upper (MPS) sub-interval of T.800's C
+    // (here complemented), and the conditional exchange (A < Qe) applies; the decision
+    // is 1 - MPS when the two agree.
+    const uint32_t upper = static_cast<uint32_t>(static_cast<int32_t>((c >> 16) - a) >> 31);
+    const uint32_t swap = static_cast<uint32_t>(static_cast<int32_t>(a - qe) >> 31);
+    const uint32_t flip = ~(upper ^ swap);
+    c -= (a << 16) & ~upper;
+    a = upper ? a : qe;
     const uint32_t next = flip ? t.next_lps : t.next_mps;
     st = static_cast<uint8_t>((a & 0x8000u) ? s : next);
     Renorm();
-    return static_cast<int>((s & 1u) ^ flip);
+    return static_cast<int>((s ^ flip) & 1u);
   }
 
   // The same with branches, for contexts whose decisions are mostly the MPS without
