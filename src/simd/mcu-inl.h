@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// SIMD MCU conversions, compiled once per target: one MCU row of 8 or 16 pixels per
-// vector (two vectors of 8 on 128-bit targets), with the colour arithmetic and
-// pixel layouts of simd/colour-inl.h. The encoder sums the chroma of a pixel group
+// SIMD MCU conversions, compiled once per target, on vectors of 16 pixels (8 on
+// 128-bit targets): a row of a 16-pixel-wide MCU, or two rows of a 444 MCU, with the
+// colour arithmetic and pixel layouts of simd/colour-inl.h. The encoder sums the chroma of a pixel group
 // in 16-bit lanes (at most 4 * 255) and forms pair sums in 32-bit lanes; the decoder
 // replicates each chroma sample over its group before the colour arithmetic, and
 // its saturating additions clamp exactly as the scalar sums do.
