@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Private to the colour conversion families: the argument checks and row loop of
-// the plane conversions, their table-driven row kernels built from pixel layout
-// traits, and the MCU geometries shared by the encoder and decoder MCU functions.
+// the plane conversions, their scalar (table-driven) row kernels built from pixel
+// layout traits, the MCU geometries and the scalar MCU kernels. The vector kernels
+// of simd/ compute the same values and hand row tails to these.
 #ifndef KROJ_SRC_COLOUR_IMPL_H_
 #define KROJ_SRC_COLOUR_IMPL_H_
 
@@ -19,8 +20,7 @@ namespace kro {
 
 // A row kernel converts `width` pixels. src[k] and dst[k] point at the current row
 // of plane k; an interleaved side has a single entry. The ownpj_* kernels of the
-// conversion files have this type, so a vector version can take the place of any
-// of them without touching the exported function.
+// conversion files (one per SIMD target, chosen at each call) have this type.
 template <class S, class D>
 using PlaneRowFn = void (*)(const S* const* src, D* const* dst, int width);
 
