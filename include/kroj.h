@@ -1681,8 +1681,8 @@ KRO_API KroStatus krosMulC_64f(const Kro64f* pSrc, Kro64f val, Kro64f* pDst, int
  * give 255 for any non-zero dividend, above 8 give 0; negative factors cap at 255;
  * a zero divisor gives 255 (0 for a zero dividend). 16sc: the 16s rules in double
  * precision, per part. 32s and 32s16s (32-bit dividend, 16-bit divisor and
- * result): the quotient rounded exactly, half to even, and saturated; a zero
- * divisor gives 0 or the saturated sign of the dividend.
+ * result): the quotient in double precision, saturated and rounded half to even;
+ * a zero divisor gives 0 or the saturated sign of the dividend.
  * Float forms: IEEE quotients; a zero divisor gives +inf, NaN or -inf for a
  * positive, zero or other dividend (per part for complex; complex 32fc quotients
  * are formed in double). */

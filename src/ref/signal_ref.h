@@ -304,31 +304,25 @@ struct Div8u {
   }
 };
 
-// 32-bit dividends (32s / 32s -> 32s, 32s / 16s -> 16s): dividend * 2^-sf /
-// divisor rounded half to even and saturated, computed exactly in integers (a
-// double quotient can land on a half-integer that the true one misses). Factors
-// beyond +-64 give the results of +-64: every non-zero quotient saturates, or every
-// quotient rounds to 0 (for 32s / 16s this is the sign rule below -29 and the zero
-// rule from 32 on).
+// 32-bit dividends (32s / 32s -> 32s, 32s / 16s -> 16s): the rules of Div16s in
+// double precision. r = dividend * 2^-sf / divisor (the scaled dividend is exact,
+// r is one rounded quotient), saturated to T, then rounded half to even. Factors
+// beyond +-64 act as +-64: every non-zero quotient saturates, or every quotient
+// rounds to 0 (for 32s / 16s this is the sign rule below -29 and the zero rule from
+// 32 on), so the scale can neither overflow nor underflow.
 template <class T>
 struct DivWide {
-  int sf;
-  explicit DivWide(int sf_) : sf(std::clamp(sf_, -64, 64)) {}
+  double scale;
+  explicit DivWide(int sf) : scale(PowerOfTwo<double>(std::clamp(sf, -64, 64))) {}
   template <class D, class V>
   T operator()(D dividend, V divisor, bool& zero) const {
     if (divisor == 0) {
       zero = true;
       return IntZeroDivide<T>(dividend);
     }
-    __int128 n = dividend, d = divisor;
-    if (sf < 0) n *= static_cast<__int128>(1) << -sf;
-    if (sf > 0) d *= static_cast<__int128>(1) << sf;
-    if (d < 0) n = -n, d = -d;
-    __int128 q = n / d, r = n - q * d;  // truncated; step to the floor
-    if (r < 0) --q, r += d;
-    if (2 * r > d || (2 * r == d && (q & 1))) ++q;
-    constexpr T kLo = std::numeric_limits<T>::min(), kHi = std::numeric_limits<T>::max();
-    return q < kLo ? kLo : q > kHi ? kHi : static_cast<T>(q);
+    constexpr double kLo = std::numeric_limits<T>::min(), kHi = std::numeric_limits<T>::max();
+    const double r = static_cast<double>(dividend) * scale / static_cast<double>(divisor);
+    return static_cast<T>(RoundHalfEven(SatF(r, kLo, kHi)));
   }
 };
 
