@@ -66,6 +66,12 @@ inline constexpr int kDirectEndOfData = -256;
 inline constexpr int kMaxCorrectionBits = 937;
 inline constexpr int kMaxEobRun = 32767;
 
+// True when none of the four bytes of w is 0xFF.
+HWY_INLINE bool NoFF(uint32_t w) {
+  const uint32_t inv = ~w;  // a 0xFF byte of w is a zero byte of inv
+  return ((inv - 0x01010101u) & ~inv & 0x80808080u) == 0;
+}
+
 // The low n bits of v, n = 0..31.
 constexpr uint32_t LowBits(uint32_t v, int n) { return v & ((uint32_t{1} << n) - 1); }
 
@@ -95,11 +101,12 @@ inline int Category(int32_t v) {
   return __builtin_clz(2 * a + 1) ^ 31;
 }
 
-// T.81 F.2.2.1 EXTEND: s received bits v (s = 1..16) become a signed value, v plus
-// own_pj_lowest_coef[s] when bit s - 1 of v is clear; the test is a sign mask.
+// T.81 F.2.2.1 EXTEND: s received bits v (s = 1..15) become a signed value, v plus
+// own_pj_lowest_coef[s] = 1 - 2^s when bit s - 1 of v is clear. Computed from the
+// bit itself: no table load, no branch.
 HWY_INLINE int32_t Extend(uint32_t v, int s) {
-  const int32_t top_clear = static_cast<int32_t>(v - (uint32_t{1} << (s - 1))) >> 31;  // -1 or 0
-  return static_cast<int32_t>(v) + (top_clear & own_pj_lowest_coef[s]);
+  const uint32_t top_clear = ((v >> (s - 1)) & 1) ^ 1;
+  return static_cast<int32_t>(v - (top_clear << s) + top_clear);
 }
 
 // ---------------------------------------------------------------------------------
@@ -201,17 +208,19 @@ class CheckedSink {
 };
 
 // Fast sink for a destination with room for the worst case of the call. Bits gather
-// in a 64-bit window and leave four bytes at a time (one store when none of them is
+// in a 64-bit window and leave eight bytes at a time (one store when none of them is
 // 0xFF). Finish() must run on every exit: it writes the remaining whole bytes and
 // stores the state the checked sink would have left, because without a full buffer
-// the only failure is a missing code, which writes nothing. The window keeps the bits
-// already written above the pending ones, so the stored accumulator carries the last
-// byte written in its bits 31..24 exactly as the byte-wise writer leaves it.
+// the only failure is a missing code, which writes nothing. That state keeps the last
+// byte written in bits 31..24 of its accumulator, as the byte-wise writer does.
 class FastSink {
  public:
   FastSink(Kro8u* dst, int* pos, EncState* st) : base_(dst), pos_(pos), st_(st) {
-    n_ = st->bitCount & 7;
-    acc_ = static_cast<uint32_t>(st->accumulator) >> (24 - n_);
+    const int n = st->bitCount & 7;
+    const uint32_t acc = static_cast<uint32_t>(st->accumulator);
+    buf_ = (acc >> (24 - n)) & ((1u << n) - 1);
+    free_ = 64 - n;
+    last_ = acc >> 24;
     p_ = dst + *pos;
   }
   // The code of sym followed by the low nbits (0..16) of extra.
@@ -228,39 +237,56 @@ class FastSink {
     return kroStatusOk;
   }
   void Finish() {
-    for (; n_ >= 8; n_ -= 8) Byte(static_cast<uint8_t>(acc_ >> (n_ - 8)));
+    int n = 64 - free_;
+    if (n >= 32) {
+      const uint32_t w = static_cast<uint32_t>(buf_ >> (n - 32));
+      if (NoFF(w)) {
+        const uint32_t be = __builtin_bswap32(w);
+        memcpy(p_, &be, 4);
+        p_ += 4;
+        last_ = w & 0xFF;
+        n -= 32;
+      }
+    }
+    for (; n >= 8; n -= 8) Byte(static_cast<uint8_t>(buf_ >> (n - 8)));
     *pos_ = static_cast<int>(p_ - base_);
-    st_->accumulator = static_cast<uint32_t>(acc_ << (24 - n_));
-    st_->bitCount = n_;
+    st_->accumulator = last_ << 24 | LowBits(static_cast<uint32_t>(buf_), n) << (24 - n);
+    st_->bitCount = n;
   }
 
  private:
-  // bits holds exactly n (1..32) significant bits.
-  HWY_INLINE void Put(uint32_t bits, int n) {
-    acc_ = (acc_ << n) | bits;
-    n_ += n;
-    if (n_ < 32) return;
-    n_ -= 32;
-    const uint32_t w = static_cast<uint32_t>(acc_ >> n_);
-    const uint32_t inv = ~w;  // a 0xFF byte of w is a zero byte of inv
-    if (((inv - 0x01010101u) & ~inv & 0x80808080u) == 0) {
-      const uint32_t be = __builtin_bswap32(w);
-      memcpy(p_, &be, 4);
-      p_ += 4;
+  // bits holds exactly n (0..32) significant bits. The window holds 64 - free_
+  // pending bits at its bottom; bits above them are stale.
+  HWY_INLINE void Put(uint64_t bits, int n) {
+    free_ -= n;
+    if (free_ >= 0) [[likely]] {
+      buf_ = (buf_ << n) | bits;
+      return;
+    }
+    Word((buf_ << (n + free_)) | (bits >> -free_));
+    free_ += 64;
+    buf_ = bits;
+  }
+  HWY_INLINE void Word(uint64_t w) {
+    const uint64_t inv = ~w;  // a 0xFF byte of w is a zero byte of inv
+    if (((inv - 0x0101010101010101u) & ~inv & 0x8080808080808080u) == 0) [[likely]] {
+      const uint64_t be = __builtin_bswap64(w);
+      memcpy(p_, &be, 8);
+      p_ += 8;
+      last_ = static_cast<uint32_t>(w & 0xFF);
     } else {
-      Byte(static_cast<uint8_t>(w >> 24));
-      Byte(static_cast<uint8_t>(w >> 16));
-      Byte(static_cast<uint8_t>(w >> 8));
-      Byte(static_cast<uint8_t>(w));
+      for (int i = 56; i >= 0; i -= 8) Byte(static_cast<uint8_t>(w >> i));
     }
   }
   void Byte(uint8_t b) {
     *p_++ = b;
     if (b == 0xFF) *p_++ = 0;
+    last_ = b;
   }
 
-  uint64_t acc_;
-  int n_;
+  uint64_t buf_;
+  int free_;
+  uint32_t last_;
   Kro8u* p_;
   Kro8u* base_;
   int* pos_;
@@ -412,12 +438,6 @@ struct BitReader {
   }
 };
 
-// True when none of the four bytes of w is 0xFF.
-HWY_INLINE bool NoFF(uint32_t w) {
-  const uint32_t inv = ~w;  // a 0xFF byte of w is a zero byte of inv
-  return ((inv - 0x01010101u) & ~inv & 0x80808080u) == 0;
-}
-
 // Four bytes at p, the first in the top byte.
 HWY_INLINE uint32_t LoadBE32(const Kro8u* p) {
   uint32_t w;
@@ -511,16 +531,30 @@ HWY_INLINE KroStatus DecodeLongSymbol(BitReader& r, int* sym, const DecSpec* t, 
   return st;
 }
 
-HWY_INLINE KroStatus ownpj_DecodeHuffSymbol(BitReader& r, int* sym, const DecSpec* t) {
+// The next symbol (0..255), or a status (below 0).
+HWY_INLINE int DecodeSymbol(BitReader& r, const DecSpec* t) {
+  int sym;
   if (r.bits < 8) {
     const KroStatus st = ownpj_FillBitBuffer(r, 0);
     if (st != kroStatusOk) return st;
-    if (r.bits < 8) [[unlikely]] return DecodeLongSymbol(r, sym, t, 1);
+    if (r.bits < 8) [[unlikely]] {
+      const KroStatus lst = DecodeLongSymbol(r, &sym, t, 1);
+      return lst != kroStatusOk ? lst : sym;
+    }
   }
   const uint32_t e = t->fastLookup[(r.acc >> (r.bits - 8)) & 255];
-  if (e == 0) [[unlikely]] return DecodeLongSymbol(r, sym, t, 9);
-  *sym = static_cast<int>(e & 0xFFFF);
+  if (e == 0) [[unlikely]] {
+    const KroStatus lst = DecodeLongSymbol(r, &sym, t, 9);
+    return lst != kroStatusOk ? lst : sym;
+  }
   r.bits -= static_cast<int>(e >> 16);
+  return static_cast<int>(e & 0xFF);  // symbols are bytes
+}
+
+HWY_INLINE KroStatus ownpj_DecodeHuffSymbol(BitReader& r, int* sym, const DecSpec* t) {
+  const int v = DecodeSymbol(r, t);
+  if (v < 0) return static_cast<KroStatus>(v);
+  *sym = v;
   return kroStatusOk;
 }
 

@@ -38,23 +38,28 @@ HWY_INLINE void ClearBlock(Kro16s* dst) {
 HWY_INLINE KroStatus DecodeBlock(BitReader& r, Kro16s* dst, Kro16s* last_dc, const DecSpec* dc, const DecSpec* ac,
                                  DecState* state) {
   ClearBlock(dst);
-  int sym;
-  KroStatus st = ownpj_DecodeHuffSymbol(r, &sym, dc);
-  if (st == kroStatusOk && (sym & 15) != 0) {
+  int sym = DecodeSymbol(r, dc);
+  if (sym > 0 && (sym & 15) != 0) {
     const int s = sym & 15;
     uint32_t v;
-    st = ReceiveBits(r, s, &v);
-    if (st == kroStatusOk) *last_dc = Wrap16(*last_dc + Extend(v, s));
+    const KroStatus st = ReceiveBits(r, s, &v);
+    if (st != kroStatusOk) sym = st;
+    else
+      *last_dc = Wrap16(*last_dc + Extend(v, s));
   }
-  if (st != kroStatusOk) {
+  if (sym < 0) {
     state->endPosition = 0;
-    return st;
+    return static_cast<KroStatus>(sym);
   }
   dst[0] = *last_dc;
   int k = 1;
+  KroStatus st = kroStatusOk;
   for (;;) {
-    st = ownpj_DecodeHuffSymbol(r, &sym, ac);
-    if (st != kroStatusOk) break;
+    sym = DecodeSymbol(r, ac);
+    if (sym < 0) {
+      st = static_cast<KroStatus>(sym);
+      break;
+    }
     const int run = sym >> 4;
     const int s = sym & 15;
     if (s > 0) {
@@ -65,23 +70,35 @@ HWY_INLINE KroStatus DecodeBlock(BitReader& r, Kro16s* dst, Kro16s* last_dc, con
         ++k;  // the value's position counts as visited
         break;
       }
-      // Positions 64..71 land on coefficient 63; a run further out is refused.
-      if (k >= 72) [[unlikely]] return kroStatusError;
+      if (k < 63) [[likely]] {
+        dst[own_pj_izigzag_index[k++]] = static_cast<Kro16s>(Extend(v, s));
+        continue;
+      }
+      // The last position, or past it: 64..71 land on coefficient 63, a run further
+      // out is refused.
+      if (k >= 72) return kroStatusError;
       dst[own_pj_izigzag_index[k++]] = static_cast<Kro16s>(Extend(v, s));
+      break;
     } else if (run < 15) {
       break;  // EOB
     } else {
       k += 16;  // ZRL
+      if (k >= 64) break;
     }
-    if (k >= 64) break;
   }
   state->endPosition = k;
   return st;
 }
 
-KroStatus DecodeBlockKernel(const Kro8u* pSrc, int srcLenBytes, int* pSrcCurrPos, Kro16s* pDst,
-                            Kro16s* pLastDC, int* pMarker, const DecSpec* pDcTable, const DecSpec* pAcTable,
-                            DecState* pDecHuffState) {
+// The whole call, checks included, so that the exported function only dispatches.
+KroStatus DecodeBaseline(const Kro8u* pSrc, int srcLenBytes, int* pSrcCurrPos, Kro16s* pDst, Kro16s* pLastDC,
+                         int* pMarker, const DecSpec* pDcTable, const DecSpec* pAcTable, DecState* pDecHuffState) {
+  if (pSrc == nullptr) return kroStatusNullPointer;
+  if (srcLenBytes < 0) return kroStatusBadArgument;
+  if (pSrcCurrPos == nullptr || pDst == nullptr || pLastDC == nullptr || pMarker == nullptr ||
+      pDcTable == nullptr || pAcTable == nullptr || pDecHuffState == nullptr)
+    return kroStatusNullPointer;
+  if (*pSrcCurrPos < 0) return kroStatusBadArgument;  // would read before pSrc
   BitReader r(pSrc, srcLenBytes, pSrcCurrPos, pMarker, pDecHuffState);
   const KroStatus st = DecodeBlock(r, pDst, pLastDC, pDcTable, pAcTable, pDecHuffState);
   r.Commit(pSrcCurrPos, pDecHuffState);
@@ -233,9 +250,16 @@ HWY_INLINE KroStatus DecodeDirectBlock(DirectReader& r, Kro16s* dst, Kro16s* las
   return kroStatusOk;
 }
 
-KroStatus DecodeDirectKernel(const Kro8u* pSrc, int* pSrcBitsLen, Kro16s* pDst, Kro16s* pLastDC, int* pMarker,
-                             Kro32u* pPrefetchedBits, int* pNumValidPrefetchedBits, const DecSpec* pDcTable,
-                             const DecSpec* pAcTable) {
+KroStatus DecodeDirect(const Kro8u* pSrc, int* pSrcBitsLen, Kro16s* pDst, Kro16s* pLastDC, int* pMarker,
+                       Kro32u* pPrefetchedBits, int* pNumValidPrefetchedBits, const DecSpec* pDcTable,
+                       const DecSpec* pAcTable) {
+  if (pSrc == nullptr || pSrcBitsLen == nullptr) return kroStatusNullPointer;
+  if (*pSrcBitsLen < 0) return kroStatusBadArgument;
+  if (pDst == nullptr || pLastDC == nullptr || pMarker == nullptr || pPrefetchedBits == nullptr ||
+      pNumValidPrefetchedBits == nullptr)
+    return kroStatusNullPointer;
+  if (*pNumValidPrefetchedBits < 0) return kroStatusBadArgument;
+  if (pDcTable == nullptr || pAcTable == nullptr) return kroStatusNullPointer;
   const int start = *pSrcBitsLen >> 3;
   // The accumulator holds 32 bits; a larger count can only come from a corrupt caller.
   DirectReader r{pSrc + start, 0, *pPrefetchedBits, *pNumValidPrefetchedBits < 32 ? *pNumValidPrefetchedBits : 32,
@@ -253,40 +277,9 @@ KroStatus DecodeDirectKernel(const Kro8u* pSrc, int* pSrcBitsLen, Kro16s* pDst, 
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-#include "kro_checks.h"
-
 namespace kro {
-namespace {
-
-HWY_EXPORT(DecodeBlockKernel);
-HWY_EXPORT(DecodeDirectKernel);
-
-KroStatus DecodeBaseline(const Kro8u* pSrc, int srcLenBytes, int* pSrcCurrPos, Kro16s* pDst,
-                         Kro16s* pLastDC, int* pMarker, const DecSpec* pDcTable, const DecSpec* pAcTable,
-                         DecState* pDecHuffState) {
-  if (pSrc == nullptr) return kroStatusNullPointer;
-  if (srcLenBytes < 0) return kroStatusBadArgument;
-  if (AnyNull(pSrcCurrPos, pDst, pLastDC, pMarker, pDcTable, pAcTable, pDecHuffState))
-    return kroStatusNullPointer;
-  if (*pSrcCurrPos < 0) return kroStatusBadArgument;  // would read before pSrc
-  return HWY_DYNAMIC_DISPATCH(DecodeBlockKernel)(pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, pMarker,
-                                                 pDcTable, pAcTable, pDecHuffState);
-}
-
-KroStatus DecodeBaselineDirect(const Kro8u* pSrc, int* pSrcBitsLen, Kro16s* pDst, Kro16s* pLastDC,
-                               int* pMarker, Kro32u* pPrefetchedBits, int* pNumValidPrefetchedBits,
-                               const DecSpec* pDcTable, const DecSpec* pAcTable) {
-  if (AnyNull(pSrc, pSrcBitsLen)) return kroStatusNullPointer;
-  if (*pSrcBitsLen < 0) return kroStatusBadArgument;
-  if (AnyNull(pDst, pLastDC, pMarker, pPrefetchedBits, pNumValidPrefetchedBits))
-    return kroStatusNullPointer;
-  if (*pNumValidPrefetchedBits < 0) return kroStatusBadArgument;
-  if (AnyNull(pDcTable, pAcTable)) return kroStatusNullPointer;
-  return HWY_DYNAMIC_DISPATCH(DecodeDirectKernel)(pSrc, pSrcBitsLen, pDst, pLastDC, pMarker, pPrefetchedBits,
-                                                  pNumValidPrefetchedBits, pDcTable, pAcTable);
-}
-
-}  // namespace
+HWY_EXPORT(DecodeBaseline);
+HWY_EXPORT(DecodeDirect);
 }  // namespace kro
 
 KRO_EXPORT KroStatus kroiDecodeHuffman8x8_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
@@ -295,15 +288,15 @@ KRO_EXPORT KroStatus kroiDecodeHuffman8x8_JPEG_1u16s_C1(const Kro8u* pSrc, int s
                                                         const KroiDecodeHuffmanSpec* pDcTable,
                                                         const KroiDecodeHuffmanSpec* pAcTable,
                                                         KroiDecodeHuffmanState* pDecHuffState) {
-  return kro::DecodeBaseline(pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, pMarker, pDcTable,
-                             pAcTable, pDecHuffState);
+  return HWY_DYNAMIC_DISPATCH(kro::DecodeBaseline)(pSrc, srcLenBytes, pSrcCurrPos, pDst, pLastDC, pMarker,
+                                                   pDcTable, pAcTable, pDecHuffState);
 }
 
 KRO_EXPORT KroStatus kroiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(
     const Kro8u* pSrc, int* pSrcBitsLen, Kro16s* pDst, Kro16s* pLastDC, int* pMarker,
     Kro32u* pPrefetchedBits, int* pNumValidPrefetchedBits, const KroiDecodeHuffmanSpec* pDcTable,
     const KroiDecodeHuffmanSpec* pAcTable) {
-  return kro::DecodeBaselineDirect(pSrc, pSrcBitsLen, pDst, pLastDC, pMarker, pPrefetchedBits,
-                                   pNumValidPrefetchedBits, pDcTable, pAcTable);
+  return HWY_DYNAMIC_DISPATCH(kro::DecodeDirect)(pSrc, pSrcBitsLen, pDst, pLastDC, pMarker, pPrefetchedBits,
+                                                 pNumValidPrefetchedBits, pDcTable, pAcTable);
 }
 #endif  // HWY_ONCE

@@ -23,18 +23,34 @@ HWY_BEFORE_NAMESPACE();
 namespace kro {
 namespace HWY_NAMESPACE {
 
-// One block into a destination with at least kBlockWorstCaseBytes free.
-KroStatus EncodeBlockFast(const Kro16s* src, Kro16s* last_dc, const EncSpec* dc, const EncSpec* ac, Kro8u* dst,
-                          int* pos, EncState* state) {
-  FastSink sink(dst, pos, state);
-  const KroStatus st = EncodeBlock(src, ZigZagNonZeroSimd(src), last_dc, dc, ac, sink);
-  sink.Finish();
-  return st;
+// The whole call, checks included, so that the exported function only dispatches.
+KroStatus EncodeBaseline(const Kro16s* pSrc, Kro8u* pDst, int dstLenBytes, int* pDstCurrPos, Kro16s* pLastDC,
+                         const EncSpec* pDcTable, const EncSpec* pAcTable, EncState* pEncHuffState,
+                         int bFlushState) {
+  if (pDst == nullptr) return kroStatusNullPointer;
+  if (dstLenBytes < 1) return kroStatusBadSize;
+  if (pDstCurrPos == nullptr || pEncHuffState == nullptr) return kroStatusNullPointer;
+  const int pos = *pDstCurrPos;
+  if (pos < 0) return kroStatusBadArgument;  // would write before pDst
+  if (bFlushState != 0) return FlushState(pDst, dstLenBytes, pDstCurrPos, pEncHuffState);
+  if (pSrc == nullptr || pLastDC == nullptr || pDcTable == nullptr || pAcTable == nullptr)
+    return kroStatusNullPointer;
+  const uint64_t nz = ZigZagNonZeroSimd(pSrc);
+  if (dstLenBytes - pos >= kBlockWorstCaseBytes) [[likely]] {
+    FastSink sink(pDst, pDstCurrPos, pEncHuffState);
+    const KroStatus st = EncodeBlock(pSrc, nz, pLastDC, pDcTable, pAcTable, sink);
+    sink.Finish();
+    return st;
+  }
+  CheckedSink sink(pDst, dstLenBytes, pDstCurrPos, pEncHuffState);
+  return EncodeBlock(pSrc, nz, pLastDC, pDcTable, pAcTable, sink);
 }
 
-KroStatus CountBlock(const Kro16s* src, int* dc, int* ac, Kro16s* last_dc) {
+KroStatus Statistics(const Kro16s* pSrc, int* pDcStatistics, int* pAcStatistics, Kro16s* pLastDC) {
+  if (pSrc == nullptr || pDcStatistics == nullptr || pAcStatistics == nullptr || pLastDC == nullptr)
+    return kroStatusNullPointer;
   CountingSink sink;
-  return EncodeBlock(src, ZigZagNonZeroSimd(src), last_dc, dc, ac, sink);
+  return EncodeBlock(pSrc, ZigZagNonZeroSimd(pSrc), pLastDC, pDcStatistics, pAcStatistics, sink);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -47,26 +63,8 @@ HWY_AFTER_NAMESPACE();
 namespace kro {
 namespace {
 
-HWY_EXPORT(EncodeBlockFast);
-HWY_EXPORT(CountBlock);
-
-KroStatus EncodeBaseline(const Kro16s* pSrc, Kro8u* pDst, int dstLenBytes, int* pDstCurrPos,
-                         Kro16s* pLastDC, const EncSpec* pDcTable, const EncSpec* pAcTable,
-                         EncState* pEncHuffState, int bFlushState) {
-  if (pDst == nullptr) return kroStatusNullPointer;
-  if (dstLenBytes < 1) return kroStatusBadSize;
-  if (AnyNull(pDstCurrPos, pEncHuffState)) return kroStatusNullPointer;
-  const int pos = *pDstCurrPos;
-  if (pos < 0) return kroStatusBadArgument;  // would write before pDst
-  if (bFlushState != 0) return FlushState(pDst, dstLenBytes, pDstCurrPos, pEncHuffState);
-  if (AnyNull(pSrc, pLastDC, pDcTable, pAcTable)) return kroStatusNullPointer;
-  if (dstLenBytes - pos >= kBlockWorstCaseBytes) {
-    return HWY_DYNAMIC_DISPATCH(EncodeBlockFast)(pSrc, pLastDC, pDcTable, pAcTable, pDst, pDstCurrPos,
-                                                 pEncHuffState);
-  }
-  CheckedSink sink(pDst, dstLenBytes, pDstCurrPos, pEncHuffState);
-  return EncodeBlock(pSrc, ZigZagNonZero(pSrc), pLastDC, pDcTable, pAcTable, sink);
-}
+HWY_EXPORT(EncodeBaseline);
+HWY_EXPORT(Statistics);
 
 KroStatus EncodeBaselineDirect(const Kro16s* pSrc, Kro8u* pDst, int* pDstBitsLen, Kro16s* pLastDC,
                                const EncSpec* pDcTable, const EncSpec* pAcTable) {
@@ -74,11 +72,6 @@ KroStatus EncodeBaselineDirect(const Kro16s* pSrc, Kro8u* pDst, int* pDstBitsLen
   DirectSink sink(pDst, pDstBitsLen);
   EncodeBlock(pSrc, ZigZagNonZero(pSrc), pLastDC, pDcTable, pAcTable, sink);
   return kroStatusOk;
-}
-
-KroStatus Statistics(const Kro16s* pSrc, int* pDcStatistics, int* pAcStatistics, Kro16s* pLastDC) {
-  if (AnyNull(pSrc, pDcStatistics, pAcStatistics, pLastDC)) return kroStatusNullPointer;
-  return HWY_DYNAMIC_DISPATCH(CountBlock)(pSrc, pDcStatistics, pAcStatistics, pLastDC);
 }
 
 }  // namespace
@@ -90,8 +83,8 @@ KRO_EXPORT KroStatus kroiEncodeHuffman8x8_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8
                                                         const KroiEncodeHuffmanSpec* pAcTable,
                                                         KroiEncodeHuffmanState* pEncHuffState,
                                                         int bFlushState) {
-  return kro::EncodeBaseline(pSrc, pDst, dstLenBytes, pDstCurrPos, pLastDC, pDcTable, pAcTable,
-                             pEncHuffState, bFlushState);
+  return HWY_DYNAMIC_DISPATCH(kro::EncodeBaseline)(pSrc, pDst, dstLenBytes, pDstCurrPos, pLastDC, pDcTable,
+                                                   pAcTable, pEncHuffState, bFlushState);
 }
 
 KRO_EXPORT KroStatus kroiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const Kro16s* pSrc, Kro8u* pDst,
@@ -103,6 +96,6 @@ KRO_EXPORT KroStatus kroiEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const Kro16s* pSr
 
 KRO_EXPORT KroStatus kroiGetHuffmanStatistics8x8_JPEG_16s_C1(const Kro16s* pSrc, int pDcStatistics[256],
                                                              int pAcStatistics[256], Kro16s* pLastDC) {
-  return kro::Statistics(pSrc, pDcStatistics, pAcStatistics, pLastDC);
+  return HWY_DYNAMIC_DISPATCH(kro::Statistics)(pSrc, pDcStatistics, pAcStatistics, pLastDC);
 }
 #endif  // HWY_ONCE

@@ -111,7 +111,7 @@ KroStatus DecodeOne(const Kro8u* pSrc, int srcLenBytes, int* pSrcCurrPos, Kro16s
       status = ReceiveBits(r, s, &v);
       // T.81 F.2.2.1 EXTEND.
       if (status == kroStatusOk)
-        *pDst = Wrap16(v >= (uint32_t{1} << (s - 1)) ? static_cast<int32_t>(v) : static_cast<int32_t>(v) - (1 << s) + 1);
+        *pDst = Wrap16(static_cast<int32_t>(v) + (v >> (s - 1) != 0 ? 0 : own_pj_lowest_coef[s]));
     } else {
       *pDst = static_cast<Kro16s>(-32768);  // 32768 modulo 2^16
     }

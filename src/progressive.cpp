@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Progressive JPEG Huffman coding (T.81 G.1.2 and G.2): DC first and refinement scans,
-// AC first scans with end-of-band runs, AC refinement scans with buffered correction
-// bits; one block per call, encoders, symbol statistics and decoders.
+// Progressive JPEG Huffman encoding (T.81 G.1.2): DC first and refinement scans, AC
+// first scans with end-of-band runs, AC refinement scans with buffered correction
+// bits; one block per call, encoders and symbol statistics.
 #include <stdlib.h>
 #include <string.h>
 
@@ -250,136 +250,6 @@ KroStatus StatsAC(const Kro16s* pSrc, int* pAcStatistics, int Ss, int Se, int Al
   return kRefine ? ACRefine(e, pSrc, Ss, Se, Al, st) : ACFirst(e, pSrc, Ss, Se, Al, st, 10);
 }
 
-// ---- decoders ----------------------------------------------------------------
-
-template <class Body>
-KroStatus Decode(const Kro8u* pSrc, int srcLenBytes, int* pSrcCurrPos, int* pMarker, DecState* st, Body&& body) {
-  if (*pSrcCurrPos < 0) return kroStatusBadArgument;  // would read before pSrc
-  BitReader r(pSrc, srcLenBytes, pSrcCurrPos, pMarker, st);
-  const KroStatus s = body(r);
-  r.Commit(pSrcCurrPos, st);
-  return s;
-}
-
-// Checks shared by the four decoders up to the Al/band ranges.
-KroStatus CheckDecoder(const Kro8u* pSrc, int srcLenBytes, const int* pSrcCurrPos, const Kro16s* pDst,
-                       const int* pMarker) {
-  if (pSrc == nullptr) return kroStatusNullPointer;
-  if (srcLenBytes < 1) return kroStatusBadSize;
-  if (AnyNull(pSrcCurrPos, pDst, pMarker)) return kroStatusNullPointer;
-  return kroStatusOk;
-}
-
-// T.81 G.2.2 applied to one coefficient: a 1 bit adds 2^Al away from zero, unless
-// that bit is already set.
-inline KroStatus Correct(BitReader& r, Kro16s* c, int32_t p1, int32_t m1) {
-  uint32_t bit;
-  const KroStatus s = ReceiveBits(r, 1, &bit);
-  if (s == kroStatusOk && bit != 0 && (*c & p1) == 0) *c = Wrap16(*c + (*c >= 0 ? p1 : m1));
-  return s;
-}
-
-KroStatus DecDCFirst(BitReader& r, Kro16s* dst, Kro16s* last_dc, int Al, const DecSpec* t) {
-  int sym;
-  KroStatus s = ownpj_DecodeHuffSymbol(r, &sym, t);
-  if (s != kroStatusOk) return s;
-  const int n = sym & 15;
-  if (n > 0) {
-    uint32_t v;
-    if ((s = ReceiveBits(r, n, &v)) != kroStatusOk) return s;
-    *last_dc = Wrap16(*last_dc + Extend(v, n));
-  }
-  dst[0] = Wrap16(ShlWrap32(*last_dc, Al));
-  return kroStatusOk;
-}
-
-KroStatus DecDCRefine(BitReader& r, Kro16s* dst, int Al) {
-  uint32_t bit;
-  const KroStatus s = ReceiveBits(r, 1, &bit);
-  if (s == kroStatusOk && bit != 0) dst[0] = static_cast<Kro16s>(dst[0] | (1 << Al));
-  return s;
-}
-
-KroStatus DecACFirst(BitReader& r, Kro16s* dst, int Ss, int Se, int Al, const DecSpec* t, DecState* st) {
-  if (st->eobRun > 0) {
-    --st->eobRun;
-    return kroStatusOk;
-  }
-  for (int k = Ss; k <= Se; ++k) {
-    int sym;
-    KroStatus s = ownpj_DecodeHuffSymbol(r, &sym, t);
-    if (s != kroStatusOk) return s;
-    const int run = sym >> 4, n = sym & 15;
-    uint32_t v;
-    if (n > 0) {
-      k += run;
-      if ((s = ReceiveBits(r, n, &v)) != kroStatusOk) return s;
-      if (k >= 72) return kroStatusError;  // 64..71 land on coefficient 63
-      dst[own_pj_izigzag_index[k]] = Wrap16(ShlWrap32(Extend(v, n), Al));
-    } else if (run == 15) {
-      k += 15;  // ZRL
-    } else {
-      // EOBr: this band and 2^r - 1 + (r more bits) following ones are empty.
-      int32_t eob = (1 << run) - 1;
-      if (run > 0) {
-        if ((s = ReceiveBits(r, run, &v)) != kroStatusOk) return s;
-        eob += static_cast<int32_t>(v);
-      }
-      st->eobRun = eob;
-      break;
-    }
-  }
-  return kroStatusOk;
-}
-
-KroStatus DecACRefine(BitReader& r, Kro16s* dst, int Ss, int Se, int Al, const DecSpec* t, DecState* st) {
-  const int32_t p1 = 1 << Al, m1 = ShlWrap32(-1, Al);
-  KroStatus s;
-  int k = Ss;
-  if (st->eobRun <= 0) {
-    for (; k <= Se; ++k) {
-      int sym;
-      if ((s = ownpj_DecodeHuffSymbol(r, &sym, t)) != kroStatusOk) return s;
-      int run = sym >> 4;
-      int32_t value = 0;
-      if ((sym & 15) != 0) {
-        uint32_t bit;
-        if ((s = ReceiveBits(r, 1, &bit)) != kroStatusOk) return s;
-        value = bit != 0 ? p1 : m1;
-      } else if (run != 15) {
-        int32_t eob = 1 << run;
-        if (run > 0) {
-          uint32_t v;
-          if ((s = ReceiveBits(r, run, &v)) != kroStatusOk) return s;
-          eob += static_cast<int32_t>(v);
-        }
-        st->eobRun = eob;
-        break;
-      }
-      // Refine the non-zero coefficients on the way; the run counts zero ones only,
-      // and the new value lands on the zero that ends it.
-      do {
-        Kro16s* c = &dst[own_pj_izigzag_index[k]];
-        if (*c != 0) {
-          if ((s = Correct(r, c, p1, m1)) != kroStatusOk) return s;
-        } else if (--run < 0) {
-          break;
-        }
-        ++k;
-      } while (k <= Se);
-      if (value != 0) dst[own_pj_izigzag_index[k]] = static_cast<Kro16s>(value);
-    }
-  }
-  if (st->eobRun > 0) {
-    for (; k <= Se; ++k) {
-      Kro16s* c = &dst[own_pj_izigzag_index[k]];
-      if (*c != 0 && (s = Correct(r, c, p1, m1)) != kroStatusOk) return s;
-    }
-    --st->eobRun;
-  }
-  return kroStatusOk;
-}
-
 }  // namespace
 }  // namespace kro
 
@@ -428,48 +298,4 @@ KRO_EXPORT KroStatus kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(const Kro1
                                                                       KroiEncodeHuffmanState* pEncHuffState,
                                                                       int bFlushState) {
   return StatsAC<true>(pSrc, pAcStatistics, Ss, Se, Al, pEncHuffState, bFlushState);
-}
-
-KRO_EXPORT KroStatus kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
-                                                                int* pSrcCurrPos, Kro16s* pDst, Kro16s* pLastDC,
-                                                                int* pMarker, int Al,
-                                                                const KroiDecodeHuffmanSpec* pDcTable,
-                                                                KroiDecodeHuffmanState* pDecHuffState) {
-  if (KroStatus c = CheckDecoder(pSrc, srcLenBytes, pSrcCurrPos, pDst, pMarker)) return c;
-  if (pLastDC == nullptr) return kroStatusNullPointer;
-  if (BadAl(Al)) return kroStatusBadArgument;
-  if (AnyNull(pDcTable, pDecHuffState)) return kroStatusNullPointer;
-  return Decode(pSrc, srcLenBytes, pSrcCurrPos, pMarker, pDecHuffState,
-                [&](BitReader& r) { return DecDCFirst(r, pDst, pLastDC, Al, pDcTable); });
-}
-KRO_EXPORT KroStatus kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
-                                                                 int* pSrcCurrPos, Kro16s* pDst, int* pMarker,
-                                                                 int Al, KroiDecodeHuffmanState* pDecHuffState) {
-  if (KroStatus c = CheckDecoder(pSrc, srcLenBytes, pSrcCurrPos, pDst, pMarker)) return c;
-  if (BadAl(Al)) return kroStatusBadArgument;
-  if (pDecHuffState == nullptr) return kroStatusNullPointer;
-  return Decode(pSrc, srcLenBytes, pSrcCurrPos, pMarker, pDecHuffState,
-                [&](BitReader& r) { return DecDCRefine(r, pDst, Al); });
-}
-KRO_EXPORT KroStatus kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
-                                                                int* pSrcCurrPos, Kro16s* pDst, int* pMarker, int Ss,
-                                                                int Se, int Al,
-                                                                const KroiDecodeHuffmanSpec* pAcTable,
-                                                                KroiDecodeHuffmanState* pDecHuffState) {
-  if (KroStatus c = CheckDecoder(pSrc, srcLenBytes, pSrcCurrPos, pDst, pMarker)) return c;
-  if (BadAl(Al) || BadBand(Ss, Se)) return kroStatusBadArgument;
-  if (AnyNull(pAcTable, pDecHuffState)) return kroStatusNullPointer;
-  return Decode(pSrc, srcLenBytes, pSrcCurrPos, pMarker, pDecHuffState,
-                [&](BitReader& r) { return DecACFirst(r, pDst, Ss, Se, Al, pAcTable, pDecHuffState); });
-}
-KRO_EXPORT KroStatus kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const Kro8u* pSrc, int srcLenBytes,
-                                                                 int* pSrcCurrPos, Kro16s* pDst, int* pMarker,
-                                                                 int Ss, int Se, int Al,
-                                                                 const KroiDecodeHuffmanSpec* pAcTable,
-                                                                 KroiDecodeHuffmanState* pDecHuffState) {
-  if (KroStatus c = CheckDecoder(pSrc, srcLenBytes, pSrcCurrPos, pDst, pMarker)) return c;
-  if (BadAl(Al) || BadBand(Ss, Se)) return kroStatusBadArgument;
-  if (AnyNull(pAcTable, pDecHuffState)) return kroStatusNullPointer;
-  return Decode(pSrc, srcLenBytes, pSrcCurrPos, pMarker, pDecHuffState,
-                [&](BitReader& r) { return DecACRefine(r, pDst, Ss, Se, Al, pAcTable, pDecHuffState); });
 }

@@ -664,100 +664,32 @@ TEST(HuffmanStatistics, OptimalTables) {
 // and F.2.2.5 leave after every call. The references below are written from those
 // rules, with canonical codes computed here.
 
-// The buffered reader: refill only when an operation lacks bits, byte by byte up to 25
-// bits, stopping for good at a marker.
-struct RefReader {
-  const std::vector<uint8_t>& src;
-  int pos = 0, marker = 0, bits = 0;
-  uint32_t acc = 0;
-  int Fill(int n) {
-    if (marker != 0) return n > bits ? kroStatusJPEGDataError : 0;
-    if (bits >= 25) return 0;
-    while (pos < int(src.size())) {
-      int b = src[pos++];
-      if (b == 0xFF) {
-        for (;;) {
-          if (pos >= int(src.size())) return kroStatusJPEGOutOfBuffer;
-          const int c = src[pos++];
-          if (c == 0) break;
-          if (c != 0xFF) {
-            marker = c;
-            return 0;
-          }
-        }
-      }
-      acc = acc << 8 | uint32_t(b);
-      bits += 8;
-      if (bits >= 25) return 0;
-    }
-    return n > bits ? kroStatusJPEGOutOfBuffer : 0;
-  }
-  uint32_t Take(int n) {
-    const uint32_t v = bits >= n ? acc >> (bits - n) : acc << (n - bits);
-    bits = std::max(bits - n, 0);
-    return v & ((1u << n) - 1);
-  }
-  int Symbol(const std::array<Code, 256>& t, int* sym) {
-    int L = 1;
-    if (bits < 8) {
-      if (int st = Fill(0)) return st;
-    }
-    if (bits >= 8) {
-      const uint32_t peek = (acc >> (bits - 8)) & 255;
-      for (int s = 0; s < 256; ++s)
-        if (t[s].len > 0 && t[s].len <= 8 && peek >> (8 - t[s].len) == t[s].code) {
-          bits -= t[s].len;
-          *sym = s;
-          return 0;
-        }
-      L = 9;
-    }
-    if (bits < L) {
-      if (int st = Fill(L)) return st;
-    }
-    for (uint32_t code = Take(L);; code = code << 1 | Take(1), ++L) {
-      for (int s = 0; s < 256; ++s)
-        if (t[s].len == L && t[s].code == code) return *sym = s, 0;
-      if (L == 16) return kroStatusJPEGDataError;
-      if (bits == 0) {
-        if (int st = Fill(1)) return st;
-      }
-    }
-  }
-  int Receive(int s, int* v) {
-    if (bits < s) {
-      if (int st = Fill(s)) return st;
-    }
-    const int u = int(Take(s));
-    *v = u < (1 << (s - 1)) ? u - (1 << s) + 1 : u;
-    return 0;
-  }
-  // One baseline block; returns the status and sets *end as endPosition.
-  int Block(Kro16s* out, Kro16s* last, const std::array<Code, 256>& dc, const std::array<Code, 256>& ac, int* end) {
-    std::fill(out, out + 64, 0);
-    int sym, v, st = Symbol(dc, &sym);
-    if (st == 0 && (sym & 15) != 0 && (st = Receive(sym & 15, &v)) == 0) *last = Kro16s(*last + v);
-    if (st != 0) return *end = 0, st;
-    out[0] = *last;
-    int k = 1;
-    while (k < 64) {
-      if ((st = Symbol(ac, &sym)) != 0) break;
-      const int r = sym >> 4, s = sym & 15;
-      if (s == 0 && r < 15) break;
-      k += s == 0 ? 16 : r;
-      if (s == 0) continue;
-      if ((st = Receive(s, &v)) != 0) {
-        ++k;
-        break;
-      }
-      if (k >= 72) return kroStatusError;
-      out[k < 64 ? kZz[k] : 63] = Kro16s(v);
+// One baseline block read literally; returns the status and sets *end as endPosition.
+int RefBlock(RefReader& ref, Kro16s* out, Kro16s* last, const std::array<Code, 256>& dc,
+             const std::array<Code, 256>& ac, int* end) {
+  std::fill(out, out + 64, 0);
+  int sym, v, st = ref.Symbol(dc, &sym);
+  if (st == 0 && (sym & 15) != 0 && (st = ref.Receive(sym & 15, &v)) == 0) *last = Kro16s(*last + v);
+  if (st != 0) return *end = 0, st;
+  out[0] = *last;
+  int k = 1;
+  while (k < 64) {
+    if ((st = ref.Symbol(ac, &sym)) != 0) break;
+    const int r = sym >> 4, s = sym & 15;
+    if (s == 0 && r < 15) break;
+    k += s == 0 ? 16 : r;
+    if (s == 0) continue;
+    if ((st = ref.Receive(s, &v)) != 0) {
       ++k;
+      break;
     }
-    *end = k;
-    return st;
+    if (k >= 72) return kroStatusError;
+    out[k < 64 ? kZz[k] : 63] = Kro16s(v);
+    ++k;
   }
-};
+  *end = k;
+  return st;
+}
 
 class HuffmanTargets : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(HuffmanTargets);
@@ -843,7 +775,7 @@ TEST_P(HuffmanTargets, FastPathsMatchByteWiseRules) {
     int end = 0;
     const KroStatus got = kroiDecodeHuffman8x8_JPEG_1u16s_C1(data.data(), int(data.size()), &pos, out, &last,
                                                              &marker, ddc.get(), dac.get(), st.get());
-    const int want_st = ref.Block(rout, &rlast, cdc, cac, &end);
+    const int want_st = RefBlock(ref, rout, &rlast, cdc, cac, &end);
     ASSERT_EQ(want_st, got) << b;
     ASSERT_EQ(ref.pos, pos) << b;
     ASSERT_EQ(ref.bits, st.get()->bitCount) << b;

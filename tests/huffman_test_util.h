@@ -7,6 +7,7 @@
 
 #include <stdint.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
@@ -131,6 +132,77 @@ inline int Category(int v) {
   return n;
 }
 
+
+// The buffered bit reader written from T.81 F.2.2.5 and the documented refill rule:
+// bytes enter only when an operation lacks bits, one at a time up to 25 bits; a
+// marker stops reading for good. Symbols are found by their canonical codes.
+struct RefReader {
+  const std::vector<uint8_t>& src;
+  int pos = 0, marker = 0, bits = 0;
+  uint32_t acc = 0;
+  int Fill(int n) {
+    if (marker != 0) return n > bits ? kroStatusJPEGDataError : 0;
+    if (bits >= 25) return 0;
+    while (pos < int(src.size())) {
+      int b = src[pos++];
+      if (b == 0xFF) {
+        for (;;) {
+          if (pos >= int(src.size())) return kroStatusJPEGOutOfBuffer;
+          const int c = src[pos++];
+          if (c == 0) break;
+          if (c != 0xFF) {
+            marker = c;
+            return 0;
+          }
+        }
+      }
+      acc = acc << 8 | uint32_t(b);
+      bits += 8;
+      if (bits >= 25) return 0;
+    }
+    return n > bits ? kroStatusJPEGOutOfBuffer : 0;
+  }
+  uint32_t Take(int n) {
+    const uint32_t v = bits >= n ? acc >> (bits - n) : acc << (n - bits);
+    bits = std::max(bits - n, 0);
+    return v & ((1u << n) - 1);
+  }
+  int Symbol(const std::array<Code, 256>& t, int* sym) {
+    int L = 1;
+    if (bits < 8) {
+      if (int st = Fill(0)) return st;
+    }
+    if (bits >= 8) {
+      const uint32_t peek = (acc >> (bits - 8)) & 255;
+      for (int s = 0; s < 256; ++s)
+        if (t[s].len > 0 && t[s].len <= 8 && peek >> (8 - t[s].len) == t[s].code) {
+          bits -= t[s].len;
+          *sym = s;
+          return 0;
+        }
+      L = 9;
+    }
+    if (bits < L) {
+      if (int st = Fill(L)) return st;
+    }
+    for (uint32_t code = Take(L);; code = code << 1 | Take(1), ++L) {
+      for (int s = 0; s < 256; ++s)
+        if (t[s].len == L && t[s].code == code) return *sym = s, 0;
+      if (L == 16) return kroStatusJPEGDataError;
+      if (bits == 0) {
+        if (int st = Fill(1)) return st;
+      }
+    }
+  }
+  int Receive(int s, int* v) {
+    if (bits < s) {
+      if (int st = Fill(s)) return st;
+    }
+    const int u = int(Take(s));
+    *v = u < (1 << (s - 1)) ? u - (1 << s) + 1 : u;
+    return 0;
+  }
+};
 
 // ---- Progressive scans driven block by block through the library ----
 

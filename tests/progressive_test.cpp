@@ -8,6 +8,7 @@
 
 #include "bitio.h"  // state layouts
 #include "huffman_test_util.h"
+#include "simd_test_util.h"
 #include "test_util.h"
 
 namespace {
@@ -239,3 +240,185 @@ TEST(ProgressiveCoding, LongEndOfBandRuns) {
 }
 
 }  // namespace
+
+// ---- Every target against the literal walk ---------------------------------------
+// The decoders find runs and correction positions through masks and take correction
+// bits several at a time; the references below read bit by bit as T.81 G.2 walks.
+
+int RefDCFirst(RefReader& r, Kro16s* dst, Kro16s* last, int al, const std::array<Code, 256>& t) {
+  int sym, v = 0, st = r.Symbol(t, &sym);
+  if (st == 0 && (sym & 15) != 0) st = r.Receive(sym & 15, &v);
+  if (st != 0) return st;
+  *last = Kro16s(*last + v);
+  dst[0] = Kro16s(uint16_t(*last) << al);
+  return 0;
+}
+
+int RefBit(RefReader& r, int* bit) {
+  if (r.bits < 1) {
+    if (int st = r.Fill(1)) return st;
+  }
+  *bit = int(r.Take(1));
+  return 0;
+}
+
+// One correction bit for a non-zero coefficient.
+int RefCorrect(RefReader& r, Kro16s* c, int al) {
+  int bit;
+  if (int st = RefBit(r, &bit)) return st;
+  if (bit && (*c & (1 << al)) == 0) *c = Kro16s(*c + (*c >= 0 ? 1 << al : -(1 << al)));
+  return 0;
+}
+
+int RefAC(RefReader& r, Kro16s* dst, const ScanSpec& s, const std::array<Code, 256>& t, int* eobrun) {
+  int sym, v, st;
+  if (s.ah == 0) {  // first scan
+    if (*eobrun > 0) return --*eobrun, 0;
+    for (int k = s.ss; k <= s.se; ++k) {
+      if ((st = r.Symbol(t, &sym)) != 0) return st;
+      const int run = sym >> 4, n = sym & 15;
+      if (n == 0 && run < 15) {
+        *eobrun = (1 << run) - 1;
+        if (run > 0) {
+          if (r.bits < run && (st = r.Fill(run)) != 0) return st;
+          *eobrun += int(r.Take(run));
+        }
+        return 0;
+      }
+      k += n == 0 ? 15 : run;
+      if (n == 0) continue;
+      if ((st = r.Receive(n, &v)) != 0) return st;
+      if (k >= 72) return kroStatusError;
+      dst[k < 64 ? kZz[k] : 63] = Kro16s(uint16_t(v) << s.al);
+    }
+    return 0;
+  }
+  int k = s.ss;
+  if (*eobrun <= 0) {
+    for (; k <= s.se; ++k) {
+      if ((st = r.Symbol(t, &sym)) != 0) return st;
+      int run = sym >> 4, value = 0, bit;
+      if ((sym & 15) != 0) {
+        if ((st = RefBit(r, &bit)) != 0) return st;
+        value = bit ? 1 << s.al : -(1 << s.al);
+      } else if (run != 15) {
+        *eobrun = 1 << run;
+        if (run > 0) {
+          if (r.bits < run && (st = r.Fill(run)) != 0) return st;
+          *eobrun += int(r.Take(run));
+        }
+        break;
+      }
+      do {
+        Kro16s* c = &dst[k < 64 ? kZz[k] : 63];
+        if (*c != 0) {
+          if ((st = RefCorrect(r, c, s.al)) != 0) return st;
+        } else if (--run < 0) {
+          break;
+        }
+      } while (++k <= s.se);
+      if (value != 0) dst[k < 64 ? kZz[k] : 63] = Kro16s(value);
+    }
+  }
+  if (*eobrun > 0) {
+    for (; k <= s.se; ++k) {
+      Kro16s* c = &dst[kZz[k]];
+      if (*c != 0 && (st = RefCorrect(r, c, s.al)) != 0) return st;
+    }
+    --*eobrun;
+  }
+  return 0;
+}
+
+class ProgressiveTargets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(ProgressiveTargets);
+
+// Scans of random coefficients, clean and with bits flipped, decoded call by call by
+// the library and the references: the same statuses, blocks, positions and states.
+TEST_P(ProgressiveTargets, DecodersMatchTheLiteralWalk) {
+  Rng rng(41);
+  const int n = 400;
+  const std::vector<Kro16s> blocks = MixedBlocks(rng, n);
+  const std::vector<ScanSpec> script = {{0, 0, 0, 2}, {1, 5, 0, 3}, {6, 63, 0, 2}, {1, 5, 3, 2},
+                                        {1, 63, 2, 1}, {0, 0, 2, 1}, {1, 63, 1, 0}, {0, 0, 1, 0}};
+  std::vector<Kro16s> lib(blocks.size(), 0), ref(blocks.size(), 0);
+  int calls = 0, failures = 0;
+  for (const ScanSpec& s : script) {
+    std::vector<ProgItem> items;
+    for (int i = 0; i < n; ++i)
+      items.push_back({const_cast<Kro16s*>(&blocks[64 * size_t(i)]), 0, i > 0 && i % 50 == 0, 0, nullptr, nullptr});
+    std::vector<std::vector<int>> stats(1, std::vector<int>(256, 0));
+    ASSERT_EQ(0, ProgStats(s, items, stats));
+    std::vector<uint8_t> bits(16), vals(256);
+    ASSERT_EQ(0, kroiEncodeHuffmanRawTableInit_JPEG_8u(stats[0].data(), bits.data(), vals.data()));
+    EncTable e(bits, vals);
+    DecTable d(bits, vals);
+    const auto canon = Canonical(bits, vals);
+    for (auto& it : items) it.etab = e.get();
+    KroStatus est;
+    const std::vector<uint8_t> clean = ProgEncode(s, items, &est);
+    ASSERT_EQ(0, est);
+    for (int variant = 0; variant < 3; ++variant) {
+      std::vector<uint8_t> data = clean;
+      for (int f = 0; variant > 0 && f < 4; ++f) data[size_t(rng.Int(0, long(data.size()) - 3))] ^= uint8_t(1 << rng.Int(0, 7));
+      // Decode into copies of the blocks as they stand before this scan.
+      std::vector<Kro16s> a = lib, b = ref;
+      DecStateBuf st;
+      RefReader rr{data};
+      int pos = 0, marker = 0, reob = 0;
+      bool failed = false;
+      Kro16s last = 0, rlast = 0;
+      for (int i = 0; i < n; ++i) {
+        if (items[size_t(i)].restart || failed) {  // skip to just past the next marker
+          if (marker == 0) {
+            while (pos + 1 < int(data.size()) && !(data[pos] == 0xFF && data[pos + 1] >= 0xD0)) ++pos;
+            pos += 2;
+          }
+          kroiDecodeHuffmanStateInit_JPEG_8u(st.get());
+          rr.pos = pos;
+          marker = rr.marker = rr.bits = reob = 0;
+          rr.acc = 0;
+          last = rlast = 0;
+          failed = false;
+        }
+        Kro16s* x = &a[64 * size_t(i)];
+        Kro16s* y = &b[64 * size_t(i)];
+        KroStatus got;
+        int want;
+        const int len = int(data.size());
+        if (s.ss == 0 && s.ah == 0) {
+          got = kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(data.data(), len, &pos, x, &last, &marker, s.al, d.get(), st.get());
+          want = RefDCFirst(rr, y, &rlast, s.al, canon);
+        } else if (s.ss == 0) {
+          got = kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(data.data(), len, &pos, x, &marker, s.al, st.get());
+          int bit = 0;
+          want = RefBit(rr, &bit);
+          if (want == 0 && bit) y[0] = Kro16s(y[0] | 1 << s.al);
+        } else if (s.ah == 0) {
+          got = kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(data.data(), len, &pos, x, &marker, s.ss, s.se, s.al, d.get(), st.get());
+          want = RefAC(rr, y, s, canon, &reob);
+        } else {
+          got = kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(data.data(), len, &pos, x, &marker, s.ss, s.se, s.al, d.get(), st.get());
+          want = RefAC(rr, y, s, canon, &reob);
+        }
+        ++calls;
+        failures += got != 0;
+        ASSERT_EQ(want, got) << i;
+        ASSERT_EQ(rr.pos, pos) << i;
+        ASSERT_EQ(rr.bits, st.get()->bitCount) << i;
+        ASSERT_EQ(rr.acc, static_cast<uint32_t>(st.get()->accumulator)) << i;
+        ASSERT_EQ(rr.marker, marker) << i;
+        ASSERT_EQ(reob, st.get()->eobRun) << i;
+        ASSERT_EQ(0, memcmp(x, y, 128)) << i;
+        failed = got != 0;
+      }
+      if (variant == 0) {
+        lib = a;
+        ref = b;
+      }
+    }
+  }
+  for (int i = 0; i < n; ++i) ASSERT_EQ(0, memcmp(&blocks[64 * size_t(i)], &lib[64 * size_t(i)], 128)) << i;
+  EXPECT_GT(failures, 0);
+  EXPECT_GT(calls, 8000);
+}
