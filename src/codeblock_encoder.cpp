@@ -111,6 +111,40 @@ struct PassRecorder {
     Put(raw ? 0u : static_cast<uint32_t>(ctx), (v >> p) & 1u);
     dist += static_cast<uint32_t>(fm[Index(v, 127)]);
   }
+  // Significance propagation of a stripe column with no branch on which rows are
+  // candidates (their pattern changes from column to column and defeats prediction):
+  // every row writes a decision slot, kept only for a candidate.
+  template <int kRows>
+  KRO_T1_INLINE void PropagationColumn(uint32_t* col, ptrdiff_t pitch, bool causal,
+                                       const Kro32u* zc, int x) {
+    uint32_t c0 = col[0], c1 = col[pitch];
+    if (((PropagationCandidates(c0) & RowsMask0(kRows)) |
+         (PropagationCandidates(c1) & RowsMask1(kRows))) == 0)
+      return;
+    PropagationRow<0>(col, pitch, causal, zc, x, c0, c1);
+    if constexpr (kRows > 1) PropagationRow<1>(col, pitch, causal, zc, x, c0, c1);
+    if constexpr (kRows > 2) PropagationRow<2>(col, pitch, causal, zc, x, c0, c1);
+    if constexpr (kRows > 3) PropagationRow<3>(col, pitch, causal, zc, x, c0, c1);
+    col[0] = c0;
+    col[pitch] = c1;
+  }
+  template <int R>
+  KRO_T1_INLINE void PropagationRow(uint32_t* col, ptrdiff_t pitch, bool causal,
+                                    const Kro32u* zc, int x, uint32_t& c0, uint32_t& c1) {
+    const uint32_t st = RowState<R>(c0, c1);
+    const uint32_t cand = (st & (kSig | kNbr)) == kNbr ? 1u : 0u;
+    const uint32_t v = Value(x, R);
+    const uint32_t bit = (v >> p) & 1u;
+    *out = static_cast<Kro8u>(((raw ? 0u : zc[st & 0xFF]) << 1) | bit);
+    out += cand;
+    MarkRow<R>(c0, c1, kVisited & (0u - cand));
+    if (bit & cand) {
+      const uint32_t neg = Sign(SignCodingLUT[(st >> 4) & 0x1FF], x, R);
+      Significant(x, R, neg);
+      SetSignificant<R>(col, pitch, causal, neg, c0, c1);
+    }
+  }
+
   KRO_T1_INLINE int RunLength(int x) {
     const uint32_t any = ((Value(x, 0) | Value(x, 1) | Value(x, 2) | Value(x, 3)) >> p) & 1u;
     Put(kCtxRunLength, any);
