@@ -126,12 +126,17 @@ void EncodeMcuSimd(const typename In::T* src, int step, Kro16s* const* dst) {
   const V k128 = hn::Set(d, 128), k255 = hn::Set(d, 255);
   for (int cy = 0; cy < 8; cy += kRows) {
     for (int x = 0; x < G::kWidth; x += kLanes / kRows) {
+      const int c = 8 * cy + (x >> G::kShiftX);
       V sum_r = hn::Zero(d), sum_g = sum_r, sum_b = sum_r;
       for (int dy = 0; dy < (1 << G::kShiftY); ++dy) {
         const int y = (cy << G::kShiftY) + dy;
         Px<D> p = LoadPixels<kRows, In>(d, src, step, x, y);
         if constexpr (kKind == McuKind::kNone) {
           StoreFull<G>(d, hn::Sub(p.c0, k128), dst[0], x, y);
+          if constexpr (G::kLog2Group == 0) {
+            hn::StoreU(hn::Sub(p.c1, k128), d, dst[1] + c);
+            hn::StoreU(hn::Sub(p.c2, k128), d, dst[2] + c);
+          }
         } else {
           if constexpr (kKind == McuKind::kYCCK) {
             p = {hn::Sub(k255, p.c0), hn::Sub(k255, p.c1), hn::Sub(k255, p.c2), p.k};
@@ -139,26 +144,21 @@ void EncodeMcuSimd(const typename In::T* src, int step, Kro16s* const* dst) {
           }
           const auto lo = ZipPairs<false>(d, p.c0, p.c1, p.c2);
           const auto hi = ZipPairs<true>(d, p.c0, p.c1, p.c2);
-          const V luma = Join(d, hn::ShiftRight<16>(LumaSum(d32, lo)),
-                              hn::ShiftRight<16>(LumaSum(d32, hi)));
+          auto out = [&](auto sum) {
+            return Join(d, hn::ShiftRight<16>(sum(lo)), hn::ShiftRight<16>(sum(hi)));
+          };
+          const V luma = out([&](const auto& q) { return LumaSum(d32, q); });
           StoreFull<G>(d, hn::Sub(luma, k128), dst[0], x, y);
+          if constexpr (G::kLog2Group == 0) {  // 444: each pixel its own chroma sample
+            hn::StoreU(out([&](const auto& q) { return CbSum(d32, q); }), d, dst[1] + c);
+            hn::StoreU(out([&](const auto& q) { return CrSum(d32, q); }), d, dst[2] + c);
+          }
         }
-        sum_r = hn::Add(sum_r, p.c0), sum_g = hn::Add(sum_g, p.c1), sum_b = hn::Add(sum_b, p.c2);
+        if constexpr (G::kLog2Group != 0) {
+          sum_r = hn::Add(sum_r, p.c0), sum_g = hn::Add(sum_g, p.c1), sum_b = hn::Add(sum_b, p.c2);
+        }
       }
-      const int c = 8 * cy + (x >> G::kShiftX);
-      if constexpr (G::kShiftX == 0) {  // 444: one pixel per chroma sample
-        if constexpr (kKind == McuKind::kNone) {
-          hn::StoreU(hn::Sub(sum_g, k128), d, dst[1] + c);
-          hn::StoreU(hn::Sub(sum_b, k128), d, dst[2] + c);
-        } else {
-          const auto lo = ZipPairs<false>(d, sum_r, sum_g, sum_b);
-          const auto hi = ZipPairs<true>(d, sum_r, sum_g, sum_b);
-          hn::StoreU(Join(d, hn::ShiftRight<16>(CbSum(d32, lo)), hn::ShiftRight<16>(CbSum(d32, hi))),
-                     d, dst[1] + c);
-          hn::StoreU(Join(d, hn::ShiftRight<16>(CrSum(d32, lo)), hn::ShiftRight<16>(CrSum(d32, hi))),
-                     d, dst[2] + c);
-        }
-      } else {  // pairs, or 2 x 2 groups: the sums of horizontal neighbours
+      if constexpr (G::kLog2Group != 0) {  // pairs, or 2 x 2 groups
         constexpr int kShift = 16 + G::kLog2Group;
         const auto r = PairSums(d, sum_r), g = PairSums(d, sum_g), b = PairSums(d, sum_b);
         if constexpr (kKind == McuKind::kNone) {
