@@ -145,6 +145,34 @@ struct PassRecorder {
     }
   }
 
+  // Cleanup of row R, likewise without a branch on whether it is still to be coded.
+  template <int R>
+  KRO_T1_INLINE void CleanupRow(uint32_t st, uint32_t* col, ptrdiff_t pitch, bool causal,
+                                const Kro32u* zc, int x, uint32_t& c0, uint32_t& c1) {
+    const uint32_t cand = (st & (kSig | kVisited)) == 0 ? 1u : 0u;
+    const uint32_t v = Value(x, R);
+    const uint32_t bit = (v >> p) & 1u;
+    *out = static_cast<Kro8u>((zc[st & 0xFF] << 1) | bit);
+    out += cand;
+    if (bit & cand) {
+      const uint32_t neg = Sign(SignCodingLUT[(st >> 4) & 0x1FF], x, R);
+      Significant(x, R, neg);
+      SetSignificant<R>(col, pitch, causal, neg, c0, c1);
+    }
+  }
+
+  // Refinement of row R without a branch on whether it is a candidate; returns the
+  // state bits to set (the refined flag for a candidate).
+  template <int R>
+  KRO_T1_INLINE uint32_t RefinementRow(uint32_t st, int x) {
+    const uint32_t cand = (st & (kSig | kVisited)) == kSig ? 1u : 0u;
+    const uint32_t v = Value(x, R);
+    *out = static_cast<Kro8u>(((raw ? 0u : MagnRefineLUT[st & 0x1FF]) << 1) | ((v >> p) & 1u));
+    out += cand;
+    dist += static_cast<uint32_t>(fm[Index(v, 127)]) & (0u - cand);
+    return kRefined & (0u - cand);
+  }
+
   KRO_T1_INLINE int RunLength(int x) {
     const uint32_t any = ((Value(x, 0) | Value(x, 1) | Value(x, 2) | Value(x, 3)) >> p) & 1u;
     Put(kCtxRunLength, any);

@@ -276,9 +276,13 @@ template <int R, class C>
 KRO_T1_INLINE void RefinementRow(uint32_t& word, C& coder, int x) {
   constexpr int sh = (R & 1) * 16;
   const uint32_t st = word >> sh;
-  if ((st & (kSig | kVisited)) != kSig) return;
-  coder.Refine(static_cast<int>(MagnRefineLUT[st & 0x1FF]), x, R);
-  word |= kRefined << sh;
+  if constexpr (requires { coder.template RefinementRow<R>(st, x); }) {
+    word |= coder.template RefinementRow<R>(st, x) << sh;
+  } else {
+    if ((st & (kSig | kVisited)) != kSig) return;
+    coder.Refine(static_cast<int>(MagnRefineLUT[st & 0x1FF]), x, R);
+    word |= kRefined << sh;
+  }
 }
 
 template <int kRows, class C>
@@ -341,8 +345,12 @@ template <int R, class C>
 KRO_T1_INLINE void CleanupRow(uint32_t* col, ptrdiff_t p, bool causal, const Kro32u* zc,
                               C& coder, int x, uint32_t& c0, uint32_t& c1) {
   const uint32_t st = RowState<R>(c0, c1);
-  if (st & (kSig | kVisited)) return;
-  CodeRow<R>(st, col, p, causal, zc, coder, x, c0, c1);
+  if constexpr (requires { coder.template CleanupRow<R>(st, col, p, causal, zc, x, c0, c1); }) {
+    coder.template CleanupRow<R>(st, col, p, causal, zc, x, c0, c1);
+  } else {
+    if (st & (kSig | kVisited)) return;
+    CodeRow<R>(st, col, p, causal, zc, coder, x, c0, c1);
+  }
 }
 
 // The first significant row of a run, with its sign.
