@@ -64,6 +64,27 @@ struct MqPassCoder {
     Kro32s* c = t->At(x, r);
     StoreCoef(c, (LoadCoef(c) & t->pl.upper) | ((0u - bit) & t->pl.one) | t->pl.half);
   }
+  // Refinement of a stripe column: the candidate rows are taken from a mask, so that the
+  // only branch that depends on the data is the end of the loop.
+  template <int kRows>
+  KRO_T1_INLINE void RefinementColumn(uint32_t* col, ptrdiff_t p, int x) {
+    constexpr uint64_t kRowsMask = RowsMask0(kRows) | uint64_t{RowsMask1(kRows)} << 32;
+    uint64_t cw = col[0] | uint64_t{col[p]} << 32;
+    uint64_t cand = RefinementCandidates(cw) & kRowsMask;
+    if (cand == 0) return;
+    do {
+      const int r = __builtin_ctzll(cand) >> 4;
+      const uint32_t st = static_cast<uint32_t>(cw >> (r * 16));
+      const uint32_t bit = static_cast<uint32_t>(Decode(static_cast<int>(MagnRefineLUT[st & 0x1FF])));
+      Kro32s* c = t->At(x, r);
+      StoreCoef(c, (LoadCoef(c) & t->pl.upper) | ((0u - bit) & t->pl.one) | t->pl.half);
+      cw |= uint64_t{kRefined} << (r * 16);
+      cand &= cand - 1;
+    } while (cand);
+    col[0] = static_cast<uint32_t>(cw);
+    if constexpr (kRows > 2) col[p] = static_cast<uint32_t>(cw >> 32);
+  }
+
   KRO_T1_INLINE int RunLength(int) { return Decode(kCtxRunLength); }
   KRO_T1_INLINE int RunPosition(int) {
     const int hi = Decode(kCtxUniform);

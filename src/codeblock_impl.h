@@ -287,6 +287,10 @@ KRO_T1_INLINE void RefinementRow(uint32_t& word, C& coder, int x) {
 
 template <int kRows, class C>
 KRO_T1_INLINE void RefinementColumn(uint32_t* col, ptrdiff_t p, C& coder, int x) {
+  if constexpr (requires { coder.template RefinementColumn<kRows>(col, p, x); }) {
+    coder.template RefinementColumn<kRows>(col, p, x);
+    return;
+  }
   uint32_t c0 = col[0], c1 = col[p];
   if (((RefinementCandidates(c0) & RowsMask0(kRows)) |
        (RefinementCandidates(c1) & RowsMask1(kRows))) == 0)
