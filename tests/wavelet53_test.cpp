@@ -222,34 +222,6 @@ TEST(Wavelet53, SeveralLevelsRoundTrip) {
   }
 }
 
-TEST(Wavelet53, OutOfPlaceCutsBandsFromSizeAlone) {
-  Rng rng(11);
-  for (int w : {1, 2, 3, 5, 8, 33})
-    for (int h : {1, 2, 3, 7, 30})
-      for (int parity = 0; parity < 4; ++parity) {
-        CheckOutOfPlace<B53<Kro16s>, Kro16s>(w, h, parity & 1, parity >> 1, B53<Kro16s>::kSafe, rng);
-        CheckOutOfPlace<B53<Kro32s>, Kro32s>(w, h, parity & 1, parity >> 1, B53<Kro32s>::kSafe, rng);
-      }
-}
-
-// Rows and work buffers at odd byte addresses give the same results.
-TEST(Wavelet53, OddAddressesAndSteps) {
-  Rng rng(1);
-  const int w = 21, h = 18, step = 2 * w + 3;
-  const KroiRect r{1, 0, w, h};
-  Plane<Kro16s> img(w, h);
-  rng.Fill(img.data(), img.v.size(), -8000, 8000);
-  std::vector<uint8_t> bytes(static_cast<size_t>(step) * h + 1), buf(2 * (w + 4) + 1);
-  for (int y = 0; y < h; ++y) memcpy(&bytes[1 + y * step], img.row(y), 2 * w);
-  for (bool fwd : {true, false}) {
-    Kro16s* odd = reinterpret_cast<Kro16s*>(&bytes[1]);
-    ASSERT_EQ((fwd ? kroiWTFwd_B53_JPEG2K_16s_C1IR : kroiWTInv_B53_JPEG2K_16s_C1IR)(odd, step, &r, &buf[1]),
-              kroStatusOk);
-    ASSERT_EQ(InPlace(fwd, img, r), kroStatusOk);
-    for (int y = 0; y < h; ++y) EXPECT_EQ(memcmp(&bytes[1 + y * step], img.row(y), 2 * w), 0);
-  }
-}
-
 // ---- Region and streaming forms against the 2D transform ---------------------------
 
 // Rows of 2w samples with the neighbours the row form reads (2 left, 1 right at phase
@@ -375,16 +347,16 @@ TEST_P(Wavelet53Targets, LevelsMatchTheReference) {
                                      kro::Inv2DInPlace<Kro32s, kro::Inv53Ref<Kro32s>>, rng);
 }
 
-TEST_P(Wavelet53Targets, OutOfPlaceLevelsMatchTheReference) {
-  Rng rng(532);
-  CheckBandsAgainstReference<Kro16s>(
-      kroiWTFwd_B53_JPEG2K_16s_C1R, kroiWTInv_B53_JPEG2K_16s_C1R, kroiWTGetBufSize_B53_JPEG2K_16s_C1R,
-      kro::FwdBandsThroughImage<Kro16s, kro::Fwd2DInPlace<Kro16s, kro::Fwd53Ref<Kro16s>>>,
-      kro::InvBandsThroughImage<Kro16s, kro::Inv2DInPlace<Kro16s, kro::Inv53Ref<Kro16s>>>, rng);
-  CheckBandsAgainstReference<Kro32s>(
-      kroiWTFwd_B53_JPEG2K_32s_C1R, kroiWTInv_B53_JPEG2K_32s_C1R, kroiWTGetBufSize_B53_JPEG2K_32s_C1R,
-      kro::FwdBandsThroughImage<Kro32s, kro::Fwd2DInPlace<Kro32s, kro::Fwd53Ref<Kro32s>>>,
-      kro::InvBandsThroughImage<Kro32s, kro::Inv2DInPlace<Kro32s, kro::Inv53Ref<Kro32s>>>, rng);
+// The out-of-place bands are the in-place quadrants cut as if the first sample were
+// low-pass, and their inverse is the in-place inverse.
+TEST_P(Wavelet53Targets, OutOfPlaceCutsBandsFromSizeAlone) {
+  Rng rng(11);
+  for (int w : {1, 2, 3, 5, 8, 33})
+    for (int h : {1, 2, 3, 7, 30})
+      for (int parity = 0; parity < 4; ++parity) {
+        CheckOutOfPlace<B53<Kro16s>, Kro16s>(w, h, parity & 1, parity >> 1, B53<Kro16s>::kSafe, rng);
+        CheckOutOfPlace<B53<Kro32s>, Kro32s>(w, h, parity & 1, parity >> 1, B53<Kro32s>::kSafe, rng);
+      }
 }
 
 TEST_P(Wavelet53Targets, RegionAndStreamingFormsMatchTheReference) {
