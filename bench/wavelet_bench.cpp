@@ -27,7 +27,8 @@ struct Tile {
   static constexpr KroiRect kRect = {0, 0, kSide, kSide};
   // Four bands of the out-of-place forms, each a quarter of the tile.
   std::vector<T> bands = kro_bench::RandomVector<T>(kTileSamples, -1000, 1000);
-  T* band[4] = {&bands[0], &bands[kTileSamples / 4], &bands[kTileSamples / 2], &bands[3 * kTileSamples / 4]};
+  T* band[4] = {&bands[0], &bands[kTileSamples / 4], &bands[kTileSamples / 2],
+                &bands[3 * kTileSamples / 4]};
   const T* cband[4] = {band[0], band[1], band[2], band[3]};
   int band_step[4] = {kStep / 2, kStep / 2, kStep / 2, kStep / 2};
 };
@@ -117,16 +118,19 @@ WAVELET_BENCH(WTFwd_D97_16s_C1R, FwdOutOfPlace, Kro16s, kroiWTGetBufSize_D97_JPE
 void BM_wavelet_D97_32f_ColRow(benchmark::State& state) {
   const int n = kSide, m = 4, stride = n + 2 * m;
   std::vector<float> src(size_t(stride) * stride);
-  for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<float>((i * 2654435761u) % 1000) - 500.0f;
-  std::vector<float> lo(size_t(stride) * (n / 2 + 2 * m)), hi(lo.size()), out(size_t(n / 2) * n * 2);
+  for (size_t i = 0; i < src.size(); ++i)
+    src[i] = static_cast<float>((i * 2654435761u) % 1000) - 500.0f;
+  std::vector<float> lo(size_t(stride) * (n / 2 + 2 * m)), hi(lo.size()),
+      out(size_t(n / 2) * n * 2);
   const int step = stride * 4, half = n / 2;
   for (auto _ : state) {
-    kroiWTFwdCol_D97_JPEG2K_32f_C1R(&src[size_t(m) * stride + m], step, &lo[size_t(m) * stride + m], step,
-                                    &hi[size_t(m) * stride + m], step, KroiSize{n, half}, 0);
+    kroiWTFwdCol_D97_JPEG2K_32f_C1R(&src[size_t(m) * stride + m], step, &lo[size_t(m) * stride + m],
+                                    step, &hi[size_t(m) * stride + m], step, KroiSize{n, half}, 0);
     kroiWTFwdRow_D97_JPEG2K_32f_C1R(&lo[size_t(m) * stride + m], step, &out[0], half * 4,
                                     &out[size_t(half) * half], half * 4, KroiSize{half, half}, 0);
-    kroiWTFwdRow_D97_JPEG2K_32f_C1R(&hi[size_t(m) * stride + m], step, &out[size_t(2) * half * half], half * 4,
-                                    &out[size_t(3) * half * half], half * 4, KroiSize{half, half}, 0);
+    kroiWTFwdRow_D97_JPEG2K_32f_C1R(
+        &hi[size_t(m) * stride + m], step, &out[size_t(2) * half * half], half * 4,
+        &out[size_t(3) * half * half], half * 4, KroiSize{half, half}, 0);
     benchmark::ClobberMemory();
   }
   CountTile<float>(state);
@@ -137,12 +141,13 @@ BENCHMARK(BM_wavelet_D97_32f_ColRow)->Name("BM_wavelet_D97_32f_ColRow/2048")->Us
 void BM_wavelet_WTFwdColLift_D97_32f(benchmark::State& state) {
   const int n = kSide;
   std::vector<float> src(size_t(n) * n), rows(size_t(5) * n);
-  for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<float>((i * 2654435761u) % 1000) - 500.0f;
+  for (size_t i = 0; i < src.size(); ++i)
+    src[i] = static_cast<float>((i * 2654435761u) % 1000) - 500.0f;
   for (auto _ : state) {
     float* r[5] = {&rows[0], &rows[n], &rows[2 * n], &rows[3 * n], &rows[4 * n]};
     for (int k = 0; k + 2 < n; k += 2) {
-      kroiWTFwdColLift_D97_JPEG2K_32f_C1(&src[size_t(k) * n], &src[size_t(k + 1) * n], &src[size_t(k + 2) * n],
-                                         r[0], r[1], r[2], r[3], r[4], n);
+      kroiWTFwdColLift_D97_JPEG2K_32f_C1(&src[size_t(k) * n], &src[size_t(k + 1) * n],
+                                         &src[size_t(k + 2) * n], r[0], r[1], r[2], r[3], r[4], n);
       float* l = r[0];
       float* h = r[2];
       r[0] = r[1], r[2] = r[3], r[3] = r[4], r[1] = l, r[4] = h;
@@ -151,7 +156,9 @@ void BM_wavelet_WTFwdColLift_D97_32f(benchmark::State& state) {
   }
   CountTile<float>(state);
 }
-BENCHMARK(BM_wavelet_WTFwdColLift_D97_32f)->Name("BM_wavelet_WTFwdColLift_D97_32f/2048")->UseRealTime();
+BENCHMARK(BM_wavelet_WTFwdColLift_D97_32f)
+    ->Name("BM_wavelet_WTFwdColLift_D97_32f/2048")
+    ->UseRealTime();
 
 // ---- Component transforms on a 3840x2400 image (9.2 Mpixel), pixels and bytes per
 // second. BM_yardstick_component_memcpy copies the bytes the 32-bit planar forms

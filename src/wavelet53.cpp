@@ -100,61 +100,81 @@ void Inv53Bands(const T* const* b, const int* bs, T* d, int ds, const KroiRect& 
 #endif
 
 // The kernels behind the exported functions, per sample type.
-void Fwd53Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) { Fwd53Level(img, step, r, buf); }
-void Fwd53Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) { Fwd53Level(img, step, r, buf); }
-void Inv53Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) { Inv53Level(img, step, r, buf); }
-void Inv53Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) { Inv53Level(img, step, r, buf); }
-void Fwd53Rows16s(const int16_t* s, int ss, int16_t* l, int ls, int16_t* h, int hs, KroiSize z, bool p) {
+void Fwd53Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd53Level(img, step, r, buf);
+}
+void Fwd53Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd53Level(img, step, r, buf);
+}
+void Inv53Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv53Level(img, step, r, buf);
+}
+void Inv53Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv53Level(img, step, r, buf);
+}
+void Fwd53Rows16s(const int16_t* s, int ss, int16_t* l, int ls, int16_t* h, int hs, KroiSize z,
+                  bool p) {
   Fwd53Rows(s, ss, l, ls, h, hs, z, p);
 }
-void Fwd53Rows32s(const int32_t* s, int ss, int32_t* l, int ls, int32_t* h, int hs, KroiSize z, bool p) {
+void Fwd53Rows32s(const int32_t* s, int ss, int32_t* l, int ls, int32_t* h, int hs, KroiSize z,
+                  bool p) {
   Fwd53Rows(s, ss, l, ls, h, hs, z, p);
 }
-void Inv53Rows16s(const int16_t* l, int ls, const int16_t* h, int hs, KroiSize z, int16_t* d, int ds, bool p) {
+void Inv53Rows16s(const int16_t* l, int ls, const int16_t* h, int hs, KroiSize z, int16_t* d,
+                  int ds, bool p) {
   Inv53Rows(l, ls, h, hs, z, d, ds, p);
 }
-void Inv53Rows32s(const int32_t* l, int ls, const int32_t* h, int hs, KroiSize z, int32_t* d, int ds, bool p) {
+void Inv53Rows32s(const int32_t* l, int ls, const int32_t* h, int hs, KroiSize z, int32_t* d,
+                  int ds, bool p) {
   Inv53Rows(l, ls, h, hs, z, d, ds, p);
 }
-void Fwd53Cols16s(const int16_t* s, int ss, int16_t* l, int ls, int16_t* h, int hs, KroiSize z, bool p) {
+void Fwd53Cols16s(const int16_t* s, int ss, int16_t* l, int ls, int16_t* h, int hs, KroiSize z,
+                  bool p) {
   Fwd53Cols(s, ss, l, ls, h, hs, z, p);
 }
-void Fwd53Cols32s(const int32_t* s, int ss, int32_t* l, int ls, int32_t* h, int hs, KroiSize z, bool p) {
+void Fwd53Cols32s(const int32_t* s, int ss, int32_t* l, int ls, int32_t* h, int hs, KroiSize z,
+                  bool p) {
   Fwd53Cols(s, ss, l, ls, h, hs, z, p);
 }
-void Inv53Cols16s(const int16_t* l, int ls, const int16_t* h, int hs, KroiSize z, int16_t* d, int ds, bool p) {
+void Inv53Cols16s(const int16_t* l, int ls, const int16_t* h, int hs, KroiSize z, int16_t* d,
+                  int ds, bool p) {
   Inv53Cols(l, ls, h, hs, z, d, ds, p);
 }
-void Inv53Cols32s(const int32_t* l, int ls, const int32_t* h, int hs, KroiSize z, int32_t* d, int ds, bool p) {
+void Inv53Cols32s(const int32_t* l, int ls, const int32_t* h, int hs, KroiSize z, int32_t* d,
+                  int ds, bool p) {
   Inv53Cols(l, ls, h, hs, z, d, ds, p);
 }
-void Fwd53Lift16s(const int16_t* x0, const int16_t* x1, const int16_t* x2, int16_t* low, const int16_t* dprev,
-                  int16_t* high, int w) {
+void Fwd53Lift16s(const int16_t* x0, const int16_t* x1, const int16_t* x2, int16_t* low,
+                  const int16_t* dprev, int16_t* high, int w) {
   Fwd53Lift(x0, x1, x2, low, dprev, high, w);
 }
-void Fwd53Lift32s(const int32_t* x0, const int32_t* x1, const int32_t* x2, int32_t* low, const int32_t* dprev,
-                  int32_t* high, int w) {
+void Fwd53Lift32s(const int32_t* x0, const int32_t* x1, const int32_t* x2, int32_t* low,
+                  const int32_t* dprev, int32_t* high, int w) {
   Fwd53Lift(x0, x1, x2, low, dprev, high, w);
 }
-void Inv53Lift16s(const int16_t* s, const int16_t* dprev, const int16_t* d, const int16_t* xprev, int16_t* odd,
-                  int16_t* even, int w) {
+void Inv53Lift16s(const int16_t* s, const int16_t* dprev, const int16_t* d, const int16_t* xprev,
+                  int16_t* odd, int16_t* even, int w) {
   Inv53Lift(s, dprev, d, xprev, odd, even, w);
 }
-void Inv53Lift32s(const int32_t* s, const int32_t* dprev, const int32_t* d, const int32_t* xprev, int32_t* odd,
-                  int32_t* even, int w) {
+void Inv53Lift32s(const int32_t* s, const int32_t* dprev, const int32_t* d, const int32_t* xprev,
+                  int32_t* odd, int32_t* even, int w) {
   Inv53Lift(s, dprev, d, xprev, odd, even, w);
 }
 
-void Fwd53Bands16s(const int16_t* s, int ss, int16_t* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+void Fwd53Bands16s(const int16_t* s, int ss, int16_t* const* b, const int* bs, const KroiRect& r,
+                   uint8_t* buf) {
   Fwd53Bands(s, ss, b, bs, r, buf);
 }
-void Inv53Bands16s(const int16_t* const* b, const int* bs, int16_t* d, int ds, const KroiRect& r, uint8_t* buf) {
+void Inv53Bands16s(const int16_t* const* b, const int* bs, int16_t* d, int ds, const KroiRect& r,
+                   uint8_t* buf) {
   Inv53Bands(b, bs, d, ds, r, buf);
 }
-void Fwd53Bands32s(const int32_t* s, int ss, int32_t* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+void Fwd53Bands32s(const int32_t* s, int ss, int32_t* const* b, const int* bs, const KroiRect& r,
+                   uint8_t* buf) {
   Fwd53Bands(s, ss, b, bs, r, buf);
 }
-void Inv53Bands32s(const int32_t* const* b, const int* bs, int32_t* d, int ds, const KroiRect& r, uint8_t* buf) {
+void Inv53Bands32s(const int32_t* const* b, const int* bs, int32_t* d, int ds, const KroiRect& r,
+                   uint8_t* buf) {
   Inv53Bands(b, bs, d, ds, r, buf);
 }
 
@@ -197,8 +217,9 @@ KroStatus BufSize53(const KroiRect* pTileRect, int* pSize, bool out_of_place) {
 }
 
 template <class T>
-KroStatus FwdColLift53(void (*kernel)(const T*, const T*, const T*, T*, const T*, T*, int), const T* pSrc0,
-                       const T* pSrc1, const T* pSrc2, T* pDstLow, const T* pSrcHighPrev, T* pDstHigh, int width) {
+KroStatus FwdColLift53(void (*kernel)(const T*, const T*, const T*, T*, const T*, T*, int),
+                       const T* pSrc0, const T* pSrc1, const T* pSrc2, T* pDstLow,
+                       const T* pSrcHighPrev, T* pDstHigh, int width) {
   const KroStatus st = CheckLift(width, pSrc0, pSrc1, pSrc2, pDstLow, pSrcHighPrev, pDstHigh);
   if (st != kroStatusOk) return st;
   kernel(pSrc0, pSrc1, pSrc2, pDstLow, pSrcHighPrev, pDstHigh, width);
@@ -206,10 +227,11 @@ KroStatus FwdColLift53(void (*kernel)(const T*, const T*, const T*, T*, const T*
 }
 
 template <class T>
-KroStatus InvColLift53(void (*kernel)(const T*, const T*, const T*, const T*, T*, T*, int), const T* pSrcLow,
-                       const T* pSrcHighPrev, const T* pSrcHigh, const T* pSrcEvenPrev, T* pDstOdd, T* pDstEven,
-                       int width) {
-  const KroStatus st = CheckLift(width, pSrcLow, pSrcHighPrev, pSrcHigh, pSrcEvenPrev, pDstOdd, pDstEven);
+KroStatus InvColLift53(void (*kernel)(const T*, const T*, const T*, const T*, T*, T*, int),
+                       const T* pSrcLow, const T* pSrcHighPrev, const T* pSrcHigh,
+                       const T* pSrcEvenPrev, T* pDstOdd, T* pDstEven, int width) {
+  const KroStatus st =
+      CheckLift(width, pSrcLow, pSrcHighPrev, pSrcHigh, pSrcEvenPrev, pDstOdd, pDstEven);
   if (st != kroStatusOk) return st;
   kernel(pSrcLow, pSrcHighPrev, pSrcHigh, pSrcEvenPrev, pDstOdd, pDstEven, width);
   return kroStatusOk;
@@ -218,69 +240,83 @@ KroStatus InvColLift53(void (*kernel)(const T*, const T*, const T*, const T*, T*
 }  // namespace
 }  // namespace kro
 
-
-
 KRO_EXPORT KroStatus kroiWTFwdColLift_B53_JPEG2K_16s_C1(const Kro16s* pSrc0, const Kro16s* pSrc1,
                                                         const Kro16s* pSrc2, Kro16s* pDstLow,
-                                                        const Kro16s* pSrcHighPrev, Kro16s* pDstHigh, int width) {
-  return kro::FwdColLift53(HWY_DYNAMIC_DISPATCH(kro::Fwd53Lift16s), pSrc0, pSrc1, pSrc2, pDstLow, pSrcHighPrev, pDstHigh, width);
+                                                        const Kro16s* pSrcHighPrev,
+                                                        Kro16s* pDstHigh, int width) {
+  return kro::FwdColLift53(HWY_DYNAMIC_DISPATCH(kro::Fwd53Lift16s), pSrc0, pSrc1, pSrc2, pDstLow,
+                           pSrcHighPrev, pDstHigh, width);
 }
 KRO_EXPORT KroStatus kroiWTFwdColLift_B53_JPEG2K_32s_C1(const Kro32s* pSrc0, const Kro32s* pSrc1,
                                                         const Kro32s* pSrc2, Kro32s* pDstLow,
-                                                        const Kro32s* pSrcHighPrev, Kro32s* pDstHigh, int width) {
-  return kro::FwdColLift53(HWY_DYNAMIC_DISPATCH(kro::Fwd53Lift32s), pSrc0, pSrc1, pSrc2, pDstLow, pSrcHighPrev, pDstHigh, width);
+                                                        const Kro32s* pSrcHighPrev,
+                                                        Kro32s* pDstHigh, int width) {
+  return kro::FwdColLift53(HWY_DYNAMIC_DISPATCH(kro::Fwd53Lift32s), pSrc0, pSrc1, pSrc2, pDstLow,
+                           pSrcHighPrev, pDstHigh, width);
 }
 KRO_EXPORT KroStatus kroiWTFwdColStep_B53_JPEG2K_16s_C1(const Kro16s* pSrc0, const Kro16s* pSrc1,
                                                         const Kro16s* pSrc2, Kro16s* pDstLow,
-                                                        const Kro16s* pSrcHighPrev, Kro16s* pDstHigh, int width) {
-  return kro::FwdColLift53(HWY_DYNAMIC_DISPATCH(kro::Fwd53Lift16s), pSrc0, pSrc1, pSrc2, pDstLow, pSrcHighPrev, pDstHigh, width);
+                                                        const Kro16s* pSrcHighPrev,
+                                                        Kro16s* pDstHigh, int width) {
+  return kro::FwdColLift53(HWY_DYNAMIC_DISPATCH(kro::Fwd53Lift16s), pSrc0, pSrc1, pSrc2, pDstLow,
+                           pSrcHighPrev, pDstHigh, width);
 }
 KRO_EXPORT KroStatus kroiWTFwdColStep_B53_JPEG2K_32s_C1(const Kro32s* pSrc0, const Kro32s* pSrc1,
                                                         const Kro32s* pSrc2, Kro32s* pDstLow,
-                                                        const Kro32s* pSrcHighPrev, Kro32s* pDstHigh, int width) {
-  return kro::FwdColLift53(HWY_DYNAMIC_DISPATCH(kro::Fwd53Lift32s), pSrc0, pSrc1, pSrc2, pDstLow, pSrcHighPrev, pDstHigh, width);
+                                                        const Kro32s* pSrcHighPrev,
+                                                        Kro32s* pDstHigh, int width) {
+  return kro::FwdColLift53(HWY_DYNAMIC_DISPATCH(kro::Fwd53Lift32s), pSrc0, pSrc1, pSrc2, pDstLow,
+                           pSrcHighPrev, pDstHigh, width);
 }
-KRO_EXPORT KroStatus kroiWTFwdCol_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstLow,
-                                                     int dstLowStep, Kro16s* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdCol_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep,
+                                                     Kro16s* pDstLow, int dstLowStep,
+                                                     Kro16s* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Cols16s), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Cols16s), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwdCol_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstLow,
-                                                     int dstLowStep, Kro32s* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdCol_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep,
+                                                     Kro32s* pDstLow, int dstLowStep,
+                                                     Kro32s* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Cols32s), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Cols32s), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwdRow_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstLow,
-                                                     int dstLowStep, Kro16s* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdRow_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep,
+                                                     Kro16s* pDstLow, int dstLowStep,
+                                                     Kro16s* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Rows16s), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Rows16s), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwdRow_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstLow,
-                                                     int dstLowStep, Kro32s* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdRow_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep,
+                                                     Kro32s* pDstLow, int dstLowStep,
+                                                     Kro32s* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Rows32s), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Rows32s), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
-                                                   Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level16s), pSrcDst, srcDstStep, pTileRect, pBuffer);
+KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep,
+                                                   const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level16s), pSrcDst, srcDstStep,
+                                pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstBand[4],
-                                                  int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Bands16s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
-                                                            pBuffer);
+KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep,
+                                                  Kro16s* pDstBand[4], int dstBandStep[4],
+                                                  const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Bands16s), pSrc, srcStep,
+                                      pDstBand, dstBandStep, pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
-                                                   Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level32s), pSrcDst, srcDstStep, pTileRect, pBuffer);
+KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep,
+                                                   const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Level32s), pSrcDst, srcDstStep,
+                                pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstBand[4],
-                                                  int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Bands32s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
-                                                            pBuffer);
+KRO_EXPORT KroStatus kroiWTFwd_B53_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep,
+                                                  Kro32s* pDstBand[4], int dstBandStep[4],
+                                                  const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd53Bands32s), pSrc, srcStep,
+                                      pDstBand, dstBandStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTGetBufSize_B53_JPEG2K_16s_C1IR(const KroiRect* pTileRect, int* pSize) {
   return kro::BufSize53<Kro16s>(pTileRect, pSize, false);
@@ -294,66 +330,86 @@ KRO_EXPORT KroStatus kroiWTGetBufSize_B53_JPEG2K_32s_C1IR(const KroiRect* pTileR
 KRO_EXPORT KroStatus kroiWTGetBufSize_B53_JPEG2K_32s_C1R(const KroiRect* pTileRect, int* pSize) {
   return kro::BufSize53<Kro32s>(pTileRect, pSize, true);
 }
-KRO_EXPORT KroStatus kroiWTInvColLift_B53_JPEG2K_16s_C1(const Kro16s* pSrcLow, const Kro16s* pSrcHighPrev,
-                                                        const Kro16s* pSrcHigh, const Kro16s* pSrcEvenPrev,
-                                                        Kro16s* pDstOdd, Kro16s* pDstEven, int width) {
-  return kro::InvColLift53(HWY_DYNAMIC_DISPATCH(kro::Inv53Lift16s), pSrcLow, pSrcHighPrev, pSrcHigh, pSrcEvenPrev, pDstOdd, pDstEven, width);
+KRO_EXPORT KroStatus kroiWTInvColLift_B53_JPEG2K_16s_C1(const Kro16s* pSrcLow,
+                                                        const Kro16s* pSrcHighPrev,
+                                                        const Kro16s* pSrcHigh,
+                                                        const Kro16s* pSrcEvenPrev, Kro16s* pDstOdd,
+                                                        Kro16s* pDstEven, int width) {
+  return kro::InvColLift53(HWY_DYNAMIC_DISPATCH(kro::Inv53Lift16s), pSrcLow, pSrcHighPrev, pSrcHigh,
+                           pSrcEvenPrev, pDstOdd, pDstEven, width);
 }
-KRO_EXPORT KroStatus kroiWTInvColLift_B53_JPEG2K_32s_C1(const Kro32s* pSrcLow, const Kro32s* pSrcHighPrev,
-                                                        const Kro32s* pSrcHigh, const Kro32s* pSrcEvenPrev,
-                                                        Kro32s* pDstOdd, Kro32s* pDstEven, int width) {
-  return kro::InvColLift53(HWY_DYNAMIC_DISPATCH(kro::Inv53Lift32s), pSrcLow, pSrcHighPrev, pSrcHigh, pSrcEvenPrev, pDstOdd, pDstEven, width);
+KRO_EXPORT KroStatus kroiWTInvColLift_B53_JPEG2K_32s_C1(const Kro32s* pSrcLow,
+                                                        const Kro32s* pSrcHighPrev,
+                                                        const Kro32s* pSrcHigh,
+                                                        const Kro32s* pSrcEvenPrev, Kro32s* pDstOdd,
+                                                        Kro32s* pDstEven, int width) {
+  return kro::InvColLift53(HWY_DYNAMIC_DISPATCH(kro::Inv53Lift32s), pSrcLow, pSrcHighPrev, pSrcHigh,
+                           pSrcEvenPrev, pDstOdd, pDstEven, width);
 }
-KRO_EXPORT KroStatus kroiWTInvColStep_B53_JPEG2K_16s_C1(const Kro16s* pSrcLow, const Kro16s* pSrcHighPrev,
-                                                        const Kro16s* pSrcHigh, const Kro16s* pSrcEvenPrev,
-                                                        Kro16s* pDstOdd, Kro16s* pDstEven, int width) {
-  return kro::InvColLift53(HWY_DYNAMIC_DISPATCH(kro::Inv53Lift16s), pSrcLow, pSrcHighPrev, pSrcHigh, pSrcEvenPrev, pDstOdd, pDstEven, width);
+KRO_EXPORT KroStatus kroiWTInvColStep_B53_JPEG2K_16s_C1(const Kro16s* pSrcLow,
+                                                        const Kro16s* pSrcHighPrev,
+                                                        const Kro16s* pSrcHigh,
+                                                        const Kro16s* pSrcEvenPrev, Kro16s* pDstOdd,
+                                                        Kro16s* pDstEven, int width) {
+  return kro::InvColLift53(HWY_DYNAMIC_DISPATCH(kro::Inv53Lift16s), pSrcLow, pSrcHighPrev, pSrcHigh,
+                           pSrcEvenPrev, pDstOdd, pDstEven, width);
 }
-KRO_EXPORT KroStatus kroiWTInvColStep_B53_JPEG2K_32s_C1(const Kro32s* pSrcLow, const Kro32s* pSrcHighPrev,
-                                                        const Kro32s* pSrcHigh, const Kro32s* pSrcEvenPrev,
-                                                        Kro32s* pDstOdd, Kro32s* pDstEven, int width) {
-  return kro::InvColLift53(HWY_DYNAMIC_DISPATCH(kro::Inv53Lift32s), pSrcLow, pSrcHighPrev, pSrcHigh, pSrcEvenPrev, pDstOdd, pDstEven, width);
+KRO_EXPORT KroStatus kroiWTInvColStep_B53_JPEG2K_32s_C1(const Kro32s* pSrcLow,
+                                                        const Kro32s* pSrcHighPrev,
+                                                        const Kro32s* pSrcHigh,
+                                                        const Kro32s* pSrcEvenPrev, Kro32s* pDstOdd,
+                                                        Kro32s* pDstEven, int width) {
+  return kro::InvColLift53(HWY_DYNAMIC_DISPATCH(kro::Inv53Lift32s), pSrcLow, pSrcHighPrev, pSrcHigh,
+                           pSrcEvenPrev, pDstOdd, pDstEven, width);
 }
-KRO_EXPORT KroStatus kroiWTInvCol_B53_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep, const Kro16s* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro16s* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Cols16s), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvCol_B53_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep,
+                                                     const Kro16s* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro16s* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Cols16s), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInvCol_B53_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep, const Kro32s* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro32s* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Cols32s), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvCol_B53_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep,
+                                                     const Kro32s* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro32s* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Cols32s), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInvRow_B53_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep, const Kro16s* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro16s* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Rows16s), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvRow_B53_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep,
+                                                     const Kro16s* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro16s* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Rows16s), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInvRow_B53_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep, const Kro32s* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro32s* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Rows32s), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvRow_B53_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep,
+                                                     const Kro32s* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro32s* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Rows32s), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
-                                                   Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level16s), pSrcDst, srcDstStep, pTileRect, pBuffer);
+KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep,
+                                                   const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level16s), pSrcDst, srcDstStep,
+                                pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4], Kro16s* pDst,
-                                                  int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Bands16s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
-                                                            pBuffer);
+KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4],
+                                                  Kro16s* pDst, int dstStep,
+                                                  const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Bands16s), pSrcBand,
+                                      srcBandStep, pDst, dstStep, pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
-                                                   Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level32s), pSrcDst, srcDstStep, pTileRect, pBuffer);
+KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep,
+                                                   const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Level32s), pSrcDst, srcDstStep,
+                                pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4], Kro32s* pDst,
-                                                  int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Bands32s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
-                                                            pBuffer);
+KRO_EXPORT KroStatus kroiWTInv_B53_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4],
+                                                  Kro32s* pDst, int dstStep,
+                                                  const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv53Bands32s), pSrcBand,
+                                      srcBandStep, pDst, dstStep, pTileRect, pBuffer);
 }
 #endif  // HWY_ONCE

@@ -110,37 +110,95 @@ void Inv97Bands(const T* const* b, const int* bs, T* d, int ds, const KroiRect& 
 #endif
 
 // The kernels behind the exported functions, per sample type.
-void Fwd97Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) { Fwd97Level(img, step, r, buf); }
-void Inv97Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) { Inv97Level(img, step, r, buf); }
-void Fwd97Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) { Fwd97Level(img, step, r, buf); }
-void Inv97Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) { Inv97Level(img, step, r, buf); }
-void Fwd97Rows16s(const int16_t* s, int ss, int16_t* l, int ls, int16_t* h, int hs, KroiSize z, bool p) { Fwd97Rows(s, ss, l, ls, h, hs, z, p); }
-void Inv97Rows16s(const int16_t* l, int ls, const int16_t* h, int hs, KroiSize z, int16_t* d, int ds, bool p) { Inv97Rows(l, ls, h, hs, z, d, ds, p); }
-void Fwd97Rows32s(const int32_t* s, int ss, int32_t* l, int ls, int32_t* h, int hs, KroiSize z, bool p) { Fwd97Rows(s, ss, l, ls, h, hs, z, p); }
-void Inv97Rows32s(const int32_t* l, int ls, const int32_t* h, int hs, KroiSize z, int32_t* d, int ds, bool p) { Inv97Rows(l, ls, h, hs, z, d, ds, p); }
-void Fwd97Rows32f(const float* s, int ss, float* l, int ls, float* h, int hs, KroiSize z, bool p) { Fwd97Rows(s, ss, l, ls, h, hs, z, p); }
-void Inv97Rows32f(const float* l, int ls, const float* h, int hs, KroiSize z, float* d, int ds, bool p) { Inv97Rows(l, ls, h, hs, z, d, ds, p); }
-void Fwd97Cols32s(const int32_t* s, int ss, int32_t* l, int ls, int32_t* h, int hs, KroiSize z, bool p) { Fwd97Cols(s, ss, l, ls, h, hs, z, p); }
-void Inv97Cols32s(const int32_t* l, int ls, const int32_t* h, int hs, KroiSize z, int32_t* d, int ds, bool p) { Inv97Cols(l, ls, h, hs, z, d, ds, p); }
-void Fwd97Cols32f(const float* s, int ss, float* l, int ls, float* h, int hs, KroiSize z, bool p) { Fwd97Cols(s, ss, l, ls, h, hs, z, p); }
-void Inv97Cols32f(const float* l, int ls, const float* h, int hs, KroiSize z, float* d, int ds, bool p) { Inv97Cols(l, ls, h, hs, z, d, ds, p); }
-void Fwd97Lift16s(const int16_t* x0, const int16_t* x1, const int16_t* x2, int16_t* lp, int16_t* lc, int16_t* hp2, int16_t* hp, int16_t* hc, int w) { Fwd97Lift(x0, x1, x2, lp, lc, hp2, hp, hc, w); }
-void Inv97Lift16s(const int16_t* l, const int16_t* hprev, const int16_t* h, int16_t* op, int16_t* oc, int16_t* ep2, int16_t* ep, int16_t* ec, int w) { Inv97Lift(l, hprev, h, op, oc, ep2, ep, ec, w); }
-void Fwd97Lift32s(const int32_t* x0, const int32_t* x1, const int32_t* x2, int32_t* lp, int32_t* lc, int32_t* hp2, int32_t* hp, int32_t* hc, int w) { Fwd97Lift(x0, x1, x2, lp, lc, hp2, hp, hc, w); }
-void Inv97Lift32s(const int32_t* l, const int32_t* hprev, const int32_t* h, int32_t* op, int32_t* oc, int32_t* ep2, int32_t* ep, int32_t* ec, int w) { Inv97Lift(l, hprev, h, op, oc, ep2, ep, ec, w); }
-void Fwd97Lift32f(const float* x0, const float* x1, const float* x2, float* lp, float* lc, float* hp2, float* hp, float* hc, int w) { Fwd97Lift(x0, x1, x2, lp, lc, hp2, hp, hc, w); }
-void Inv97Lift32f(const float* l, const float* hprev, const float* h, float* op, float* oc, float* ep2, float* ep, float* ec, int w) { Inv97Lift(l, hprev, h, op, oc, ep2, ep, ec, w); }
+void Fwd97Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd97Level(img, step, r, buf);
+}
+void Inv97Level16s(int16_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv97Level(img, step, r, buf);
+}
+void Fwd97Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Fwd97Level(img, step, r, buf);
+}
+void Inv97Level32s(int32_t* img, int step, const KroiRect& r, uint8_t* buf) {
+  Inv97Level(img, step, r, buf);
+}
+void Fwd97Rows16s(const int16_t* s, int ss, int16_t* l, int ls, int16_t* h, int hs, KroiSize z,
+                  bool p) {
+  Fwd97Rows(s, ss, l, ls, h, hs, z, p);
+}
+void Inv97Rows16s(const int16_t* l, int ls, const int16_t* h, int hs, KroiSize z, int16_t* d,
+                  int ds, bool p) {
+  Inv97Rows(l, ls, h, hs, z, d, ds, p);
+}
+void Fwd97Rows32s(const int32_t* s, int ss, int32_t* l, int ls, int32_t* h, int hs, KroiSize z,
+                  bool p) {
+  Fwd97Rows(s, ss, l, ls, h, hs, z, p);
+}
+void Inv97Rows32s(const int32_t* l, int ls, const int32_t* h, int hs, KroiSize z, int32_t* d,
+                  int ds, bool p) {
+  Inv97Rows(l, ls, h, hs, z, d, ds, p);
+}
+void Fwd97Rows32f(const float* s, int ss, float* l, int ls, float* h, int hs, KroiSize z, bool p) {
+  Fwd97Rows(s, ss, l, ls, h, hs, z, p);
+}
+void Inv97Rows32f(const float* l, int ls, const float* h, int hs, KroiSize z, float* d, int ds,
+                  bool p) {
+  Inv97Rows(l, ls, h, hs, z, d, ds, p);
+}
+void Fwd97Cols32s(const int32_t* s, int ss, int32_t* l, int ls, int32_t* h, int hs, KroiSize z,
+                  bool p) {
+  Fwd97Cols(s, ss, l, ls, h, hs, z, p);
+}
+void Inv97Cols32s(const int32_t* l, int ls, const int32_t* h, int hs, KroiSize z, int32_t* d,
+                  int ds, bool p) {
+  Inv97Cols(l, ls, h, hs, z, d, ds, p);
+}
+void Fwd97Cols32f(const float* s, int ss, float* l, int ls, float* h, int hs, KroiSize z, bool p) {
+  Fwd97Cols(s, ss, l, ls, h, hs, z, p);
+}
+void Inv97Cols32f(const float* l, int ls, const float* h, int hs, KroiSize z, float* d, int ds,
+                  bool p) {
+  Inv97Cols(l, ls, h, hs, z, d, ds, p);
+}
+void Fwd97Lift16s(const int16_t* x0, const int16_t* x1, const int16_t* x2, int16_t* lp, int16_t* lc,
+                  int16_t* hp2, int16_t* hp, int16_t* hc, int w) {
+  Fwd97Lift(x0, x1, x2, lp, lc, hp2, hp, hc, w);
+}
+void Inv97Lift16s(const int16_t* l, const int16_t* hprev, const int16_t* h, int16_t* op,
+                  int16_t* oc, int16_t* ep2, int16_t* ep, int16_t* ec, int w) {
+  Inv97Lift(l, hprev, h, op, oc, ep2, ep, ec, w);
+}
+void Fwd97Lift32s(const int32_t* x0, const int32_t* x1, const int32_t* x2, int32_t* lp, int32_t* lc,
+                  int32_t* hp2, int32_t* hp, int32_t* hc, int w) {
+  Fwd97Lift(x0, x1, x2, lp, lc, hp2, hp, hc, w);
+}
+void Inv97Lift32s(const int32_t* l, const int32_t* hprev, const int32_t* h, int32_t* op,
+                  int32_t* oc, int32_t* ep2, int32_t* ep, int32_t* ec, int w) {
+  Inv97Lift(l, hprev, h, op, oc, ep2, ep, ec, w);
+}
+void Fwd97Lift32f(const float* x0, const float* x1, const float* x2, float* lp, float* lc,
+                  float* hp2, float* hp, float* hc, int w) {
+  Fwd97Lift(x0, x1, x2, lp, lc, hp2, hp, hc, w);
+}
+void Inv97Lift32f(const float* l, const float* hprev, const float* h, float* op, float* oc,
+                  float* ep2, float* ep, float* ec, int w) {
+  Inv97Lift(l, hprev, h, op, oc, ep2, ep, ec, w);
+}
 
-void Fwd97Bands16s(const int16_t* s, int ss, int16_t* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+void Fwd97Bands16s(const int16_t* s, int ss, int16_t* const* b, const int* bs, const KroiRect& r,
+                   uint8_t* buf) {
   Fwd97Bands(s, ss, b, bs, r, buf);
 }
-void Inv97Bands16s(const int16_t* const* b, const int* bs, int16_t* d, int ds, const KroiRect& r, uint8_t* buf) {
+void Inv97Bands16s(const int16_t* const* b, const int* bs, int16_t* d, int ds, const KroiRect& r,
+                   uint8_t* buf) {
   Inv97Bands(b, bs, d, ds, r, buf);
 }
-void Fwd97Bands32s(const int32_t* s, int ss, int32_t* const* b, const int* bs, const KroiRect& r, uint8_t* buf) {
+void Fwd97Bands32s(const int32_t* s, int ss, int32_t* const* b, const int* bs, const KroiRect& r,
+                   uint8_t* buf) {
   Fwd97Bands(s, ss, b, bs, r, buf);
 }
-void Inv97Bands32s(const int32_t* const* b, const int* bs, int32_t* d, int ds, const KroiRect& r, uint8_t* buf) {
+void Inv97Bands32s(const int32_t* const* b, const int* bs, int32_t* d, int ds, const KroiRect& r,
+                   uint8_t* buf) {
   Inv97Bands(b, bs, d, ds, r, buf);
 }
 
@@ -187,9 +245,9 @@ KroStatus BufSize97(const KroiRect* pTileRect, int* pSize, bool out_of_place) {
 }
 
 template <class T>
-KroStatus FwdColLift97(void (*kernel)(const T*, const T*, const T*, T*, T*, T*, T*, T*, int), const T* pSrc0,
-                       const T* pSrc1, const T* pSrc2, T* pLowPrev, T* pLowCur, T* pHighPrev2, T* pHighPrev,
-                       T* pHighCur, int width) {
+KroStatus FwdColLift97(void (*kernel)(const T*, const T*, const T*, T*, T*, T*, T*, T*, int),
+                       const T* pSrc0, const T* pSrc1, const T* pSrc2, T* pLowPrev, T* pLowCur,
+                       T* pHighPrev2, T* pHighPrev, T* pHighCur, int width) {
   const KroStatus st =
       CheckLift(width, pSrc0, pSrc1, pSrc2, pLowPrev, pLowCur, pHighPrev2, pHighPrev, pHighCur);
   if (st != kroStatusOk) return st;
@@ -198,91 +256,108 @@ KroStatus FwdColLift97(void (*kernel)(const T*, const T*, const T*, T*, T*, T*, 
 }
 
 template <class T>
-KroStatus InvColLift97(void (*kernel)(const T*, const T*, const T*, T*, T*, T*, T*, T*, int), const T* pSrcLow,
-                       const T* pSrcHighPrev, const T* pSrcHigh, T* pOddPrev, T* pOddCur, T* pEvenPrev2,
-                       T* pEvenPrev, T* pEvenCur, int width) {
-  const KroStatus st =
-      CheckLift(width, pSrcLow, pSrcHighPrev, pSrcHigh, pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur);
+KroStatus InvColLift97(void (*kernel)(const T*, const T*, const T*, T*, T*, T*, T*, T*, int),
+                       const T* pSrcLow, const T* pSrcHighPrev, const T* pSrcHigh, T* pOddPrev,
+                       T* pOddCur, T* pEvenPrev2, T* pEvenPrev, T* pEvenCur, int width) {
+  const KroStatus st = CheckLift(width, pSrcLow, pSrcHighPrev, pSrcHigh, pOddPrev, pOddCur,
+                                 pEvenPrev2, pEvenPrev, pEvenCur);
   if (st != kroStatusOk) return st;
-  kernel(pSrcLow, pSrcHighPrev, pSrcHigh, pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur, width);
+  kernel(pSrcLow, pSrcHighPrev, pSrcHigh, pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur,
+         width);
   return kroStatusOk;
 }
 
 }  // namespace
 }  // namespace kro
 
-
 KRO_EXPORT KroStatus kroiWTFwdColLift_D97_JPEG2K_16s_C1(const Kro16s* pSrc0, const Kro16s* pSrc1,
-                                                        const Kro16s* pSrc2, Kro16s* pLowPrev, Kro16s* pLowCur,
-                                                        Kro16s* pHighPrev2, Kro16s* pHighPrev, Kro16s* pHighCur,
+                                                        const Kro16s* pSrc2, Kro16s* pLowPrev,
+                                                        Kro16s* pLowCur, Kro16s* pHighPrev2,
+                                                        Kro16s* pHighPrev, Kro16s* pHighCur,
                                                         int width) {
-  return kro::FwdColLift97(HWY_DYNAMIC_DISPATCH(kro::Fwd97Lift16s), pSrc0, pSrc1, pSrc2, pLowPrev, pLowCur, pHighPrev2, pHighPrev, pHighCur, width);
+  return kro::FwdColLift97(HWY_DYNAMIC_DISPATCH(kro::Fwd97Lift16s), pSrc0, pSrc1, pSrc2, pLowPrev,
+                           pLowCur, pHighPrev2, pHighPrev, pHighCur, width);
 }
 KRO_EXPORT KroStatus kroiWTFwdColLift_D97_JPEG2K_32f_C1(const Kro32f* pSrc0, const Kro32f* pSrc1,
-                                                        const Kro32f* pSrc2, Kro32f* pLowPrev, Kro32f* pLowCur,
-                                                        Kro32f* pHighPrev2, Kro32f* pHighPrev, Kro32f* pHighCur,
+                                                        const Kro32f* pSrc2, Kro32f* pLowPrev,
+                                                        Kro32f* pLowCur, Kro32f* pHighPrev2,
+                                                        Kro32f* pHighPrev, Kro32f* pHighCur,
                                                         int width) {
-  return kro::FwdColLift97(HWY_DYNAMIC_DISPATCH(kro::Fwd97Lift32f), pSrc0, pSrc1, pSrc2, pLowPrev, pLowCur, pHighPrev2, pHighPrev, pHighCur, width);
+  return kro::FwdColLift97(HWY_DYNAMIC_DISPATCH(kro::Fwd97Lift32f), pSrc0, pSrc1, pSrc2, pLowPrev,
+                           pLowCur, pHighPrev2, pHighPrev, pHighCur, width);
 }
 KRO_EXPORT KroStatus kroiWTFwdColLift_D97_JPEG2K_32s_C1(const Kro32s* pSrc0, const Kro32s* pSrc1,
-                                                        const Kro32s* pSrc2, Kro32s* pLowPrev, Kro32s* pLowCur,
-                                                        Kro32s* pHighPrev2, Kro32s* pHighPrev, Kro32s* pHighCur,
+                                                        const Kro32s* pSrc2, Kro32s* pLowPrev,
+                                                        Kro32s* pLowCur, Kro32s* pHighPrev2,
+                                                        Kro32s* pHighPrev, Kro32s* pHighCur,
                                                         int width) {
-  return kro::FwdColLift97(HWY_DYNAMIC_DISPATCH(kro::Fwd97Lift32s), pSrc0, pSrc1, pSrc2, pLowPrev, pLowCur, pHighPrev2, pHighPrev, pHighCur, width);
+  return kro::FwdColLift97(HWY_DYNAMIC_DISPATCH(kro::Fwd97Lift32s), pSrc0, pSrc1, pSrc2, pLowPrev,
+                           pLowCur, pHighPrev2, pHighPrev, pHighCur, width);
 }
 KRO_EXPORT KroStatus kroiWTFwdColStep_D97_JPEG2K_32f_C1(const Kro32f* pSrc0, const Kro32f* pSrc1,
-                                                        const Kro32f* pSrc2, Kro32f* pLowPrev, Kro32f* pLowCur,
-                                                        Kro32f* pHighPrev2, Kro32f* pHighPrev, Kro32f* pHighCur,
+                                                        const Kro32f* pSrc2, Kro32f* pLowPrev,
+                                                        Kro32f* pLowCur, Kro32f* pHighPrev2,
+                                                        Kro32f* pHighPrev, Kro32f* pHighCur,
                                                         int width) {
-  return kro::FwdColLift97(HWY_DYNAMIC_DISPATCH(kro::Fwd97Lift32f), pSrc0, pSrc1, pSrc2, pLowPrev, pLowCur, pHighPrev2, pHighPrev, pHighCur, width);
+  return kro::FwdColLift97(HWY_DYNAMIC_DISPATCH(kro::Fwd97Lift32f), pSrc0, pSrc1, pSrc2, pLowPrev,
+                           pLowCur, pHighPrev2, pHighPrev, pHighCur, width);
 }
-KRO_EXPORT KroStatus kroiWTFwdCol_D97_JPEG2K_32f_C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDstLow,
-                                                     int dstLowStep, Kro32f* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdCol_D97_JPEG2K_32f_C1R(const Kro32f* pSrc, int srcStep,
+                                                     Kro32f* pDstLow, int dstLowStep,
+                                                     Kro32f* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro32f>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Cols32f), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro32f>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Cols32f), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwdCol_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstLow,
-                                                     int dstLowStep, Kro32s* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdCol_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep,
+                                                     Kro32s* pDstLow, int dstLowStep,
+                                                     Kro32s* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Cols32s), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Cols32s), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwdRow_D97_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstLow,
-                                                     int dstLowStep, Kro16s* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdRow_D97_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep,
+                                                     Kro16s* pDstLow, int dstLowStep,
+                                                     Kro16s* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Rows16s), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Rows16s), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwdRow_D97_JPEG2K_32f_C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDstLow,
-                                                     int dstLowStep, Kro32f* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdRow_D97_JPEG2K_32f_C1R(const Kro32f* pSrc, int srcStep,
+                                                     Kro32f* pDstLow, int dstLowStep,
+                                                     Kro32f* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro32f>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Rows32f), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro32f>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Rows32f), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwdRow_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstLow,
-                                                     int dstLowStep, Kro32s* pDstHigh, int dstHighStep,
+KRO_EXPORT KroStatus kroiWTFwdRow_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep,
+                                                     Kro32s* pDstLow, int dstLowStep,
+                                                     Kro32s* pDstHigh, int dstHighStep,
                                                      KroiSize dstRoiSize, int phase) {
-  return kro::FwdRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Rows32s), pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep,
-                                                     dstRoiSize, phase);
+  return kro::FwdRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Rows32s), pSrc, srcStep, pDstLow,
+                                dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase);
 }
-KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
-                                                   Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level16s), pSrcDst, srcDstStep, pTileRect, pBuffer);
+KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep,
+                                                   const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level16s), pSrcDst, srcDstStep,
+                                pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDstBand[4],
-                                                  int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Bands16s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
-                                                            pBuffer);
+KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_16s_C1R(const Kro16s* pSrc, int srcStep,
+                                                  Kro16s* pDstBand[4], int dstBandStep[4],
+                                                  const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::Fwd2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Bands16s), pSrc, srcStep,
+                                      pDstBand, dstBandStep, pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
-                                                   Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level32s), pSrcDst, srcDstStep, pTileRect, pBuffer);
+KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep,
+                                                   const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Level32s), pSrcDst, srcDstStep,
+                                pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep, Kro32s* pDstBand[4],
-                                                  int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Bands32s), pSrc, srcStep, pDstBand, dstBandStep, pTileRect,
-                                                            pBuffer);
+KRO_EXPORT KroStatus kroiWTFwd_D97_JPEG2K_32s_C1R(const Kro32s* pSrc, int srcStep,
+                                                  Kro32s* pDstBand[4], int dstBandStep[4],
+                                                  const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::Fwd2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Fwd97Bands32s), pSrc, srcStep,
+                                      pDstBand, dstBandStep, pTileRect, pBuffer);
 }
 KRO_EXPORT KroStatus kroiWTGetBufSize_D97_JPEG2K_16s_C1IR(const KroiRect* pTileRect, int* pSize) {
   return kro::BufSize97<Kro16s>(pTileRect, pSize, false);
@@ -296,80 +371,85 @@ KRO_EXPORT KroStatus kroiWTGetBufSize_D97_JPEG2K_32s_C1IR(const KroiRect* pTileR
 KRO_EXPORT KroStatus kroiWTGetBufSize_D97_JPEG2K_32s_C1R(const KroiRect* pTileRect, int* pSize) {
   return kro::BufSize97<Kro32s>(pTileRect, pSize, true);
 }
-KRO_EXPORT KroStatus kroiWTInvColLift_D97_JPEG2K_16s_C1(const Kro16s* pSrcLow, const Kro16s* pSrcHighPrev,
-                                                        const Kro16s* pSrcHigh, Kro16s* pOddPrev, Kro16s* pOddCur,
-                                                        Kro16s* pEvenPrev2, Kro16s* pEvenPrev, Kro16s* pEvenCur,
-                                                        int width) {
-  return kro::InvColLift97(HWY_DYNAMIC_DISPATCH(kro::Inv97Lift16s), pSrcLow, pSrcHighPrev, pSrcHigh, pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur,
-                           width);
+KRO_EXPORT KroStatus kroiWTInvColLift_D97_JPEG2K_16s_C1(
+    const Kro16s* pSrcLow, const Kro16s* pSrcHighPrev, const Kro16s* pSrcHigh, Kro16s* pOddPrev,
+    Kro16s* pOddCur, Kro16s* pEvenPrev2, Kro16s* pEvenPrev, Kro16s* pEvenCur, int width) {
+  return kro::InvColLift97(HWY_DYNAMIC_DISPATCH(kro::Inv97Lift16s), pSrcLow, pSrcHighPrev, pSrcHigh,
+                           pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur, width);
 }
-KRO_EXPORT KroStatus kroiWTInvColLift_D97_JPEG2K_32f_C1(const Kro32f* pSrcLow, const Kro32f* pSrcHighPrev,
-                                                        const Kro32f* pSrcHigh, Kro32f* pOddPrev, Kro32f* pOddCur,
-                                                        Kro32f* pEvenPrev2, Kro32f* pEvenPrev, Kro32f* pEvenCur,
-                                                        int width) {
-  return kro::InvColLift97(HWY_DYNAMIC_DISPATCH(kro::Inv97Lift32f), pSrcLow, pSrcHighPrev, pSrcHigh, pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur,
-                           width);
+KRO_EXPORT KroStatus kroiWTInvColLift_D97_JPEG2K_32f_C1(
+    const Kro32f* pSrcLow, const Kro32f* pSrcHighPrev, const Kro32f* pSrcHigh, Kro32f* pOddPrev,
+    Kro32f* pOddCur, Kro32f* pEvenPrev2, Kro32f* pEvenPrev, Kro32f* pEvenCur, int width) {
+  return kro::InvColLift97(HWY_DYNAMIC_DISPATCH(kro::Inv97Lift32f), pSrcLow, pSrcHighPrev, pSrcHigh,
+                           pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur, width);
 }
-KRO_EXPORT KroStatus kroiWTInvColLift_D97_JPEG2K_32s_C1(const Kro32s* pSrcLow, const Kro32s* pSrcHighPrev,
-                                                        const Kro32s* pSrcHigh, Kro32s* pOddPrev, Kro32s* pOddCur,
-                                                        Kro32s* pEvenPrev2, Kro32s* pEvenPrev, Kro32s* pEvenCur,
-                                                        int width) {
-  return kro::InvColLift97(HWY_DYNAMIC_DISPATCH(kro::Inv97Lift32s), pSrcLow, pSrcHighPrev, pSrcHigh, pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur,
-                           width);
+KRO_EXPORT KroStatus kroiWTInvColLift_D97_JPEG2K_32s_C1(
+    const Kro32s* pSrcLow, const Kro32s* pSrcHighPrev, const Kro32s* pSrcHigh, Kro32s* pOddPrev,
+    Kro32s* pOddCur, Kro32s* pEvenPrev2, Kro32s* pEvenPrev, Kro32s* pEvenCur, int width) {
+  return kro::InvColLift97(HWY_DYNAMIC_DISPATCH(kro::Inv97Lift32s), pSrcLow, pSrcHighPrev, pSrcHigh,
+                           pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur, width);
 }
-KRO_EXPORT KroStatus kroiWTInvColStep_D97_JPEG2K_32f_C1(const Kro32f* pSrcLow, const Kro32f* pSrcHighPrev,
-                                                        const Kro32f* pSrcHigh, Kro32f* pOddPrev, Kro32f* pOddCur,
-                                                        Kro32f* pEvenPrev2, Kro32f* pEvenPrev, Kro32f* pEvenCur,
-                                                        int width) {
-  return kro::InvColLift97(HWY_DYNAMIC_DISPATCH(kro::Inv97Lift32f), pSrcLow, pSrcHighPrev, pSrcHigh, pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur,
-                           width);
+KRO_EXPORT KroStatus kroiWTInvColStep_D97_JPEG2K_32f_C1(
+    const Kro32f* pSrcLow, const Kro32f* pSrcHighPrev, const Kro32f* pSrcHigh, Kro32f* pOddPrev,
+    Kro32f* pOddCur, Kro32f* pEvenPrev2, Kro32f* pEvenPrev, Kro32f* pEvenCur, int width) {
+  return kro::InvColLift97(HWY_DYNAMIC_DISPATCH(kro::Inv97Lift32f), pSrcLow, pSrcHighPrev, pSrcHigh,
+                           pOddPrev, pOddCur, pEvenPrev2, pEvenPrev, pEvenCur, width);
 }
-KRO_EXPORT KroStatus kroiWTInvCol_D97_JPEG2K_32f_C1R(const Kro32f* pSrcLow, int srcLowStep, const Kro32f* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro32f* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro32f>(HWY_DYNAMIC_DISPATCH(kro::Inv97Cols32f), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvCol_D97_JPEG2K_32f_C1R(const Kro32f* pSrcLow, int srcLowStep,
+                                                     const Kro32f* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro32f* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro32f>(HWY_DYNAMIC_DISPATCH(kro::Inv97Cols32f), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInvCol_D97_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep, const Kro32s* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro32s* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Cols32s), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvCol_D97_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep,
+                                                     const Kro32s* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro32s* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Cols32s), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInvRow_D97_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep, const Kro16s* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro16s* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Rows16s), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvRow_D97_JPEG2K_16s_C1R(const Kro16s* pSrcLow, int srcLowStep,
+                                                     const Kro16s* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro16s* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Rows16s), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInvRow_D97_JPEG2K_32f_C1R(const Kro32f* pSrcLow, int srcLowStep, const Kro32f* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro32f* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro32f>(HWY_DYNAMIC_DISPATCH(kro::Inv97Rows32f), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvRow_D97_JPEG2K_32f_C1R(const Kro32f* pSrcLow, int srcLowStep,
+                                                     const Kro32f* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro32f* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro32f>(HWY_DYNAMIC_DISPATCH(kro::Inv97Rows32f), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInvRow_D97_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep, const Kro32s* pSrcHigh,
-                                                     int srcHighStep, KroiSize srcRoiSize, Kro32s* pDst,
-                                                     int dstStep, int phase) {
-  return kro::InvRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Rows32s), pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst,
-                                                     dstStep, phase);
+KRO_EXPORT KroStatus kroiWTInvRow_D97_JPEG2K_32s_C1R(const Kro32s* pSrcLow, int srcLowStep,
+                                                     const Kro32s* pSrcHigh, int srcHighStep,
+                                                     KroiSize srcRoiSize, Kro32s* pDst, int dstStep,
+                                                     int phase) {
+  return kro::InvRegion<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Rows32s), pSrcLow, srcLowStep,
+                                pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase);
 }
-KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
-                                                   Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level16s), pSrcDst, srcDstStep, pTileRect, pBuffer);
+KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_16s_C1IR(Kro16s* pSrcDst, int srcDstStep,
+                                                   const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::InPlace2D<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level16s), pSrcDst, srcDstStep,
+                                pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4], Kro16s* pDst,
-                                                  int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Bands16s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
-                                                            pBuffer);
+KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_16s_C1R(const Kro16s* pSrcBand[4], int srcBandStep[4],
+                                                  Kro16s* pDst, int dstStep,
+                                                  const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::Inv2DOutOfPlace<Kro16s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Bands16s), pSrcBand,
+                                      srcBandStep, pDst, dstStep, pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep, const KroiRect* pTileRect,
-                                                   Kro8u* pBuffer) {
-  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level32s), pSrcDst, srcDstStep, pTileRect, pBuffer);
+KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1IR(Kro32s* pSrcDst, int srcDstStep,
+                                                   const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::InPlace2D<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Level32s), pSrcDst, srcDstStep,
+                                pTileRect, pBuffer);
 }
-KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4], Kro32s* pDst,
-                                                  int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
-  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Bands32s), pSrcBand, srcBandStep, pDst, dstStep, pTileRect,
-                                                            pBuffer);
+KRO_EXPORT KroStatus kroiWTInv_D97_JPEG2K_32s_C1R(const Kro32s* pSrcBand[4], int srcBandStep[4],
+                                                  Kro32s* pDst, int dstStep,
+                                                  const KroiRect* pTileRect, Kro8u* pBuffer) {
+  return kro::Inv2DOutOfPlace<Kro32s>(HWY_DYNAMIC_DISPATCH(kro::Inv97Bands32s), pSrcBand,
+                                      srcBandStep, pDst, dstStep, pTileRect, pBuffer);
 }
 #endif  // HWY_ONCE

@@ -95,7 +95,8 @@ inline void ownpj_ReadInterleaveExt_Row(const T* src, int n, int p, T* data, int
   ExtendLine(data, n, left, right);
 }
 template <class T>
-inline void ownpj_ReadInterleaveExt_Col(const T* src, int step, int n, int p, T* data, int left, int right) {
+inline void ownpj_ReadInterleaveExt_Col(const T* src, int step, int n, int p, T* data, int left,
+                                        int right) {
   CopyInInterleaved(Strided<const T>{src, step}, n, p, data);
   ExtendLine(data, n, left, right);
 }
@@ -296,7 +297,9 @@ struct TileRows {
   T* base;
   int step;
   int n;
-  T* operator()(int j) const { return RowPtr(base, step, j < 0 ? -j : j >= n ? 2 * (n - 1) - j : j); }
+  T* operator()(int j) const {
+    return RowPtr(base, step, j < 0 ? -j : j >= n ? 2 * (n - 1) - j : j);
+  }
 };
 
 // Rows of a tile taller than this go column by column through the line buffer, as
@@ -316,7 +319,9 @@ void MoveRows(T* img, int step, int w, int n, int p, bool to_bands, uint8_t* spa
   uint64_t seen[kMaxRowMoves / 64] = {};
   const size_t row_bytes = static_cast<size_t>(w) * sizeof(T);
   // The row that has to arrive on row `dst`.
-  auto source_of = [&](int dst) { return to_bands ? InterleavedIndex(dst, n, p) : BandPlace(dst, n, p); };
+  auto source_of = [&](int dst) {
+    return to_bands ? InterleavedIndex(dst, n, p) : BandPlace(dst, n, p);
+  };
   for (int start = 0; start < n; ++start) {
     if ((seen[start >> 6] >> (start & 63)) & 1) continue;
     if (source_of(start) == start) continue;
@@ -358,8 +363,10 @@ void Inv53Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
   }
   MoveRows(img, step, w, n, p, false, buf);
   const TileRows<T> row{img, step, n};
-  ForRowsOfParity(n, p, false, [&](int j) { ref::UnUpdate53Row(row(j), row(j - 1), row(j + 1), w); });
-  ForRowsOfParity(n, p, true, [&](int j) { ref::UnPredict53Row(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, false,
+                  [&](int j) { ref::UnUpdate53Row(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true,
+                  [&](int j) { ref::UnPredict53Row(row(j), row(j - 1), row(j + 1), w); });
 }
 
 // 9/7 vertical passes: four steps, each over the rows of its parity, then the
@@ -375,8 +382,10 @@ void Fwd97Vertical(typename A::Sample* img, int step, int w, int n, int p, uint8
   const TileRows<T> row{img, step, n};
   ForRowsOfParity(n, p, true, [&](int j) { R::Alpha(row(j), row(j - 1), row(j + 1), w); });
   ForRowsOfParity(n, p, false, [&](int j) { R::Beta(row(j), row(j - 1), row(j + 1), w); });
-  ForRowsOfParity(n, p, true, [&](int j) { R::template Lift<A::Gamma>(row(j), row(j - 1), row(j + 1), w); });
-  ForRowsOfParity(n, p, false, [&](int j) { R::template Lift<A::Delta>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true,
+                  [&](int j) { R::template Lift<A::Gamma>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, false,
+                  [&](int j) { R::template Lift<A::Delta>(row(j), row(j - 1), row(j + 1), w); });
   ForRowsOfParity(n, p, true, [&](int j) { R::High(row(j), w); });
   ForRowsOfParity(n, p, false, [&](int j) { R::Low(row(j), w); });
   MoveRows(img, step, w, n, p, true, buf);
@@ -394,10 +403,14 @@ void Inv97Vertical(typename A::Sample* img, int step, int w, int n, int p, uint8
   const TileRows<T> row{img, step, n};
   ForRowsOfParity(n, p, true, [&](int j) { R::InvHigh(row(j), w); });
   ForRowsOfParity(n, p, false, [&](int j) { R::InvLow(row(j), w); });
-  ForRowsOfParity(n, p, false, [&](int j) { R::template Lift<A::UnDelta>(row(j), row(j - 1), row(j + 1), w); });
-  ForRowsOfParity(n, p, true, [&](int j) { R::template Lift<A::UnGamma>(row(j), row(j - 1), row(j + 1), w); });
-  ForRowsOfParity(n, p, false, [&](int j) { R::template Lift<A::UnBeta>(row(j), row(j - 1), row(j + 1), w); });
-  ForRowsOfParity(n, p, true, [&](int j) { R::template Lift<A::UnAlpha>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, false,
+                  [&](int j) { R::template Lift<A::UnDelta>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true,
+                  [&](int j) { R::template Lift<A::UnGamma>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, false,
+                  [&](int j) { R::template Lift<A::UnBeta>(row(j), row(j - 1), row(j + 1), w); });
+  ForRowsOfParity(n, p, true,
+                  [&](int j) { R::template Lift<A::UnAlpha>(row(j), row(j - 1), row(j + 1), w); });
   for (int j = 0; j < n; ++j) R::Out(row(j), w);
 }
 
@@ -521,10 +534,14 @@ struct Quadrant {
 constexpr Quadrant BandQuadrant(int band, int width, int height) {
   const int wl = (width + 1) / 2, hl = (height + 1) / 2;
   switch (band) {
-    case 0: return {0, 0, wl, hl};
-    case 1: return {0, hl, wl, height / 2};
-    case 2: return {wl, 0, width / 2, hl};
-    default: return {wl, hl, width / 2, height / 2};
+    case 0:
+      return {0, 0, wl, hl};
+    case 1:
+      return {0, hl, wl, height / 2};
+    case 2:
+      return {wl, 0, width / 2, hl};
+    default:
+      return {wl, hl, width / 2, height / 2};
   }
 }
 
@@ -540,7 +557,8 @@ void CopyRect(const T* src, int src_step, T* dst, int dst_step, int w, int h) {
 template <class B>
 KroStatus CheckOutOfPlace(const void* image, int image_step, B* const* band, const int* band_step,
                           const KroiRect* rect, const Kro8u* buffer) {
-  if (image == nullptr || band == nullptr || band_step == nullptr || rect == nullptr || buffer == nullptr)
+  if (image == nullptr || band == nullptr || band_step == nullptr || rect == nullptr ||
+      buffer == nullptr)
     return kroStatusNullPointer;
   if (BadStep(image_step)) return kroStatusBadStep;
   if (AnyNull(band[0], band[1], band[2], band[3])) return kroStatusNullPointer;
@@ -552,17 +570,17 @@ KroStatus CheckOutOfPlace(const void* image, int image_step, B* const* band, con
 // The out-of-place level between a source image and four bands (forward) or back
 // (inverse), with the caller's buffer as working image and line buffer.
 template <class T>
-using FwdBandsFn = void (*)(const T* src, int src_step, T* const* band, const int* band_step, const KroiRect& r,
-                            uint8_t* buf);
+using FwdBandsFn = void (*)(const T* src, int src_step, T* const* band, const int* band_step,
+                            const KroiRect& r, uint8_t* buf);
 template <class T>
-using InvBandsFn = void (*)(const T* const* band, const int* band_step, T* dst, int dst_step, const KroiRect& r,
-                            uint8_t* buf);
+using InvBandsFn = void (*)(const T* const* band, const int* band_step, T* dst, int dst_step,
+                            const KroiRect& r, uint8_t* buf);
 
 // Through the working image: copy in, one level in place (line buffer right after the
 // image), copy the quadrants out; the inverse the other way round.
 template <class T, Transform2D<T> kLevel>
-void FwdBandsThroughImage(const T* src, int src_step, T* const* band, const int* band_step, const KroiRect& r,
-                          uint8_t* buf) {
+void FwdBandsThroughImage(const T* src, int src_step, T* const* band, const int* band_step,
+                          const KroiRect& r, uint8_t* buf) {
   const int work_step = WorkStep<T>(r.width);
   T* work = reinterpret_cast<T*>(buf);
   CopyRect(src, src_step, work, work_step, r.width, r.height);
@@ -573,8 +591,8 @@ void FwdBandsThroughImage(const T* src, int src_step, T* const* band, const int*
   }
 }
 template <class T, Transform2D<T> kLevel>
-void InvBandsThroughImage(const T* const* band, const int* band_step, T* dst, int dst_step, const KroiRect& r,
-                          uint8_t* buf) {
+void InvBandsThroughImage(const T* const* band, const int* band_step, T* dst, int dst_step,
+                          const KroiRect& r, uint8_t* buf) {
   const int work_step = WorkStep<T>(r.width);
   T* work = reinterpret_cast<T*>(buf);
   for (int b = 0; b < 4; ++b) {
@@ -586,8 +604,8 @@ void InvBandsThroughImage(const T* const* band, const int* band_step, T* dst, in
 }
 
 template <class T>
-KroStatus Fwd2DOutOfPlace(FwdBandsFn<T> kernel, const T* pSrc, int srcStep, T* pDstBand[4], int dstBandStep[4],
-                          const KroiRect* pTileRect, Kro8u* pBuffer) {
+KroStatus Fwd2DOutOfPlace(FwdBandsFn<T> kernel, const T* pSrc, int srcStep, T* pDstBand[4],
+                          int dstBandStep[4], const KroiRect* pTileRect, Kro8u* pBuffer) {
   const KroStatus st = CheckOutOfPlace<T>(pSrc, srcStep, pDstBand, dstBandStep, pTileRect, pBuffer);
   if (st != kroStatusOk) return st;
   kernel(pSrc, srcStep, pDstBand, dstBandStep, *pTileRect, pBuffer);
@@ -595,9 +613,10 @@ KroStatus Fwd2DOutOfPlace(FwdBandsFn<T> kernel, const T* pSrc, int srcStep, T* p
 }
 
 template <class T>
-KroStatus Inv2DOutOfPlace(InvBandsFn<T> kernel, const T* pSrcBand[4], int srcBandStep[4], T* pDst, int dstStep,
-                          const KroiRect* pTileRect, Kro8u* pBuffer) {
-  const KroStatus st = CheckOutOfPlace<const T>(pDst, dstStep, pSrcBand, srcBandStep, pTileRect, pBuffer);
+KroStatus Inv2DOutOfPlace(InvBandsFn<T> kernel, const T* pSrcBand[4], int srcBandStep[4], T* pDst,
+                          int dstStep, const KroiRect* pTileRect, Kro8u* pBuffer) {
+  const KroStatus st =
+      CheckOutOfPlace<const T>(pDst, dstStep, pSrcBand, srcBandStep, pTileRect, pBuffer);
   if (st != kroStatusOk) return st;
   kernel(pSrcBand, srcBandStep, pDst, dstStep, *pTileRect, pBuffer);
   return kroStatusOk;
@@ -629,14 +648,14 @@ KroStatus GetBufSize(const KroiRect* pTileRect, int* pSize, bool out_of_place) {
 // chosen per call among the SIMD targets.
 
 template <class T>
-using RegionFwdFn = void (*)(const T* src, int src_step, T* low, int low_step, T* high, int high_step,
-                             KroiSize size, bool phase);
+using RegionFwdFn = void (*)(const T* src, int src_step, T* low, int low_step, T* high,
+                             int high_step, KroiSize size, bool phase);
 template <class T>
-using RegionInvFn = void (*)(const T* low, int low_step, const T* high, int high_step, KroiSize size, T* dst,
-                             int dst_step, bool phase);
+using RegionInvFn = void (*)(const T* low, int low_step, const T* high, int high_step,
+                             KroiSize size, T* dst, int dst_step, bool phase);
 
-inline KroStatus CheckRegion(const void* a, int a_step, const void* b, int b_step, const void* c, int c_step,
-                             KroiSize size) {
+inline KroStatus CheckRegion(const void* a, int a_step, const void* b, int b_step, const void* c,
+                             int c_step, KroiSize size) {
   if (a == nullptr || b == nullptr || c == nullptr) return kroStatusNullPointer;
   if (BadStep(a_step, b_step, c_step)) return kroStatusBadStep;
   if (BadSize(size)) return kroStatusBadSize;
@@ -644,18 +663,20 @@ inline KroStatus CheckRegion(const void* a, int a_step, const void* b, int b_ste
 }
 
 template <class T>
-KroStatus FwdRegion(RegionFwdFn<T> kernel, const T* pSrc, int srcStep, T* pDstLow, int dstLowStep, T* pDstHigh,
-                    int dstHighStep, KroiSize dstRoiSize, int phase) {
-  const KroStatus st = CheckRegion(pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep, dstRoiSize);
+KroStatus FwdRegion(RegionFwdFn<T> kernel, const T* pSrc, int srcStep, T* pDstLow, int dstLowStep,
+                    T* pDstHigh, int dstHighStep, KroiSize dstRoiSize, int phase) {
+  const KroStatus st =
+      CheckRegion(pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep, dstRoiSize);
   if (st != kroStatusOk) return st;
   kernel(pSrc, srcStep, pDstLow, dstLowStep, pDstHigh, dstHighStep, dstRoiSize, phase != 0);
   return kroStatusOk;
 }
 
 template <class T>
-KroStatus InvRegion(RegionInvFn<T> kernel, const T* pSrcLow, int srcLowStep, const T* pSrcHigh, int srcHighStep,
-                    KroiSize srcRoiSize, T* pDst, int dstStep, int phase) {
-  const KroStatus st = CheckRegion(pSrcLow, srcLowStep, pSrcHigh, srcHighStep, pDst, dstStep, srcRoiSize);
+KroStatus InvRegion(RegionInvFn<T> kernel, const T* pSrcLow, int srcLowStep, const T* pSrcHigh,
+                    int srcHighStep, KroiSize srcRoiSize, T* pDst, int dstStep, int phase) {
+  const KroStatus st =
+      CheckRegion(pSrcLow, srcLowStep, pSrcHigh, srcHighStep, pDst, dstStep, srcRoiSize);
   if (st != kroStatusOk) return st;
   kernel(pSrcLow, srcLowStep, pSrcHigh, srcHighStep, srcRoiSize, pDst, dstStep, phase != 0);
   return kroStatusOk;
@@ -688,32 +709,33 @@ struct Region97Ref {
 };
 
 template <class T, class Kernel>
-void RefFwdRows(const T* src, int src_step, T* low, int low_step, T* high, int high_step, KroiSize size,
-                bool phase) {
+void RefFwdRows(const T* src, int src_step, T* low, int low_step, T* high, int high_step,
+                KroiSize size, bool phase) {
   for (int y = 0; y < size.height; ++y) {
     Kernel::Fwd(Contig<const T>{RowPtr(src, src_step, y)}, Contig<T>{RowPtr(low, low_step, y)},
                 Contig<T>{RowPtr(high, high_step, y)}, size.width, phase);
   }
 }
 template <class T, class Kernel>
-void RefInvRows(const T* low, int low_step, const T* high, int high_step, KroiSize size, T* dst, int dst_step,
-                bool phase) {
+void RefInvRows(const T* low, int low_step, const T* high, int high_step, KroiSize size, T* dst,
+                int dst_step, bool phase) {
   for (int y = 0; y < size.height; ++y) {
-    Kernel::Inv(Contig<const T>{RowPtr(low, low_step, y)}, Contig<const T>{RowPtr(high, high_step, y)},
-                Contig<T>{RowPtr(dst, dst_step, y)}, size.width, phase);
+    Kernel::Inv(Contig<const T>{RowPtr(low, low_step, y)},
+                Contig<const T>{RowPtr(high, high_step, y)}, Contig<T>{RowPtr(dst, dst_step, y)},
+                size.width, phase);
   }
 }
 template <class T, class Kernel>
-void RefFwdCols(const T* src, int src_step, T* low, int low_step, T* high, int high_step, KroiSize size,
-                bool phase) {
+void RefFwdCols(const T* src, int src_step, T* low, int low_step, T* high, int high_step,
+                KroiSize size, bool phase) {
   for (int x = 0; x < size.width; ++x) {
-    Kernel::Fwd(Strided<const T>{src + x, src_step}, Strided<T>{low + x, low_step}, Strided<T>{high + x, high_step},
-                size.height, phase);
+    Kernel::Fwd(Strided<const T>{src + x, src_step}, Strided<T>{low + x, low_step},
+                Strided<T>{high + x, high_step}, size.height, phase);
   }
 }
 template <class T, class Kernel>
-void RefInvCols(const T* low, int low_step, const T* high, int high_step, KroiSize size, T* dst, int dst_step,
-                bool phase) {
+void RefInvCols(const T* low, int low_step, const T* high, int high_step, KroiSize size, T* dst,
+                int dst_step, bool phase) {
   for (int x = 0; x < size.width; ++x) {
     Kernel::Inv(Strided<const T>{low + x, low_step}, Strided<const T>{high + x, high_step},
                 Strided<T>{dst + x, dst_step}, size.height, phase);

@@ -35,7 +35,8 @@ std::vector<T> Fwd53(const std::vector<T>& x, int p) {
     return n == 2 ? v : int64_t{Keep<T>(v)};
   };
   std::vector<T> y(n);
-  for (int k = p; k < p + n; ++k) y[k - p] = Keep<T>((k & 1) ? d(k) : X(k) + ((d(k - 1) + d(k + 1) + 2) >> 2));
+  for (int k = p; k < p + n; ++k)
+    y[k - p] = Keep<T>((k & 1) ? d(k) : X(k) + ((d(k - 1) + d(k + 1) + 2) >> 2));
   return y;
 }
 
@@ -46,7 +47,8 @@ std::vector<T> Inv53(const std::vector<T>& y, int p) {
   auto Y = [&](int k) -> int64_t { return y[Mirror(k, p, p + n) - p]; };
   auto e = [&](int k) -> int64_t { return Keep<T>(Y(k) - ((Y(k - 1) + Y(k + 1) + 2) >> 2)); };
   std::vector<T> x(n);
-  for (int k = p; k < p + n; ++k) x[k - p] = Keep<T>((k & 1) ? Y(k) + ((e(k - 1) + e(k + 1)) >> 1) : e(k));
+  for (int k = p; k < p + n; ++k)
+    x[k - p] = Keep<T>((k & 1) ? Y(k) + ((e(k - 1) + e(k + 1)) >> 1) : e(k));
   return x;
 }
 
@@ -54,24 +56,24 @@ std::vector<T> Inv53(const std::vector<T>& y, int p) {
 
 template <class T>
 struct B53;
-#define KROJ_B53(T, t, safe)                                                                     \
-  template <>                                                                                    \
-  struct B53<T> {                                                                                \
-    static constexpr auto kFwdIR = kroiWTFwd_B53_JPEG2K_##t##_C1IR;                              \
-    static constexpr auto kInvIR = kroiWTInv_B53_JPEG2K_##t##_C1IR;                              \
-    static constexpr auto kFwdR = kroiWTFwd_B53_JPEG2K_##t##_C1R;                                \
-    static constexpr auto kInvR = kroiWTInv_B53_JPEG2K_##t##_C1R;                                \
-    static constexpr auto kSizeIR = kroiWTGetBufSize_B53_JPEG2K_##t##_C1IR;                      \
-    static constexpr auto kSizeR = kroiWTGetBufSize_B53_JPEG2K_##t##_C1R;                        \
-    static constexpr auto kFwdRow = kroiWTFwdRow_B53_JPEG2K_##t##_C1R;                           \
-    static constexpr auto kInvRow = kroiWTInvRow_B53_JPEG2K_##t##_C1R;                           \
-    static constexpr auto kFwdCol = kroiWTFwdCol_B53_JPEG2K_##t##_C1R;                           \
-    static constexpr auto kInvCol = kroiWTInvCol_B53_JPEG2K_##t##_C1R;                           \
-    static constexpr decltype(kroiWTFwdColLift_B53_JPEG2K_##t##_C1)* kFwdLift[2] = {             \
-        kroiWTFwdColLift_B53_JPEG2K_##t##_C1, kroiWTFwdColStep_B53_JPEG2K_##t##_C1};             \
-    static constexpr decltype(kroiWTInvColLift_B53_JPEG2K_##t##_C1)* kInvLift[2] = {             \
-        kroiWTInvColLift_B53_JPEG2K_##t##_C1, kroiWTInvColStep_B53_JPEG2K_##t##_C1};             \
-    static constexpr int64_t kSafe = safe;                                                       \
+#define KROJ_B53(T, t, safe)                                                         \
+  template <>                                                                        \
+  struct B53<T> {                                                                    \
+    static constexpr auto kFwdIR = kroiWTFwd_B53_JPEG2K_##t##_C1IR;                  \
+    static constexpr auto kInvIR = kroiWTInv_B53_JPEG2K_##t##_C1IR;                  \
+    static constexpr auto kFwdR = kroiWTFwd_B53_JPEG2K_##t##_C1R;                    \
+    static constexpr auto kInvR = kroiWTInv_B53_JPEG2K_##t##_C1R;                    \
+    static constexpr auto kSizeIR = kroiWTGetBufSize_B53_JPEG2K_##t##_C1IR;          \
+    static constexpr auto kSizeR = kroiWTGetBufSize_B53_JPEG2K_##t##_C1R;            \
+    static constexpr auto kFwdRow = kroiWTFwdRow_B53_JPEG2K_##t##_C1R;               \
+    static constexpr auto kInvRow = kroiWTInvRow_B53_JPEG2K_##t##_C1R;               \
+    static constexpr auto kFwdCol = kroiWTFwdCol_B53_JPEG2K_##t##_C1R;               \
+    static constexpr auto kInvCol = kroiWTInvCol_B53_JPEG2K_##t##_C1R;               \
+    static constexpr decltype(kroiWTFwdColLift_B53_JPEG2K_##t##_C1)* kFwdLift[2] = { \
+        kroiWTFwdColLift_B53_JPEG2K_##t##_C1, kroiWTFwdColStep_B53_JPEG2K_##t##_C1}; \
+    static constexpr decltype(kroiWTInvColLift_B53_JPEG2K_##t##_C1)* kInvLift[2] = { \
+        kroiWTInvColLift_B53_JPEG2K_##t##_C1, kroiWTInvColStep_B53_JPEG2K_##t##_C1}; \
+    static constexpr int64_t kSafe = safe;                                           \
   };
 // Round trips hold while no doubled sample (quadrupled for a one-sample tile at odd
 // x and y) or two-sample difference leaves the type.
@@ -97,18 +99,25 @@ TEST(Wavelet53, ArgumentChecksInDocumentedOrder) {
   int size;
   EXPECT_EQ(kroiWTFwd_B53_JPEG2K_32s_C1IR(nullptr, 0, &rect, buf), kroStatusNullPointer);
   EXPECT_EQ(kroiWTInv_B53_JPEG2K_32s_C1IR(img, 0, nullptr, buf), kroStatusBadStep);
-  EXPECT_EQ(kroiWTInv_B53_JPEG2K_16s_C1IR(reinterpret_cast<Kro16s*>(img), 8, &rect, nullptr), kroStatusNullPointer);
-  EXPECT_EQ(kroiWTFwd_B53_JPEG2K_32s_C1R(img, 0, bands, steps, &rect, nullptr), kroStatusNullPointer);
+  EXPECT_EQ(kroiWTInv_B53_JPEG2K_16s_C1IR(reinterpret_cast<Kro16s*>(img), 8, &rect, nullptr),
+            kroStatusNullPointer);
+  EXPECT_EQ(kroiWTFwd_B53_JPEG2K_32s_C1R(img, 0, bands, steps, &rect, nullptr),
+            kroStatusNullPointer);
   EXPECT_EQ(kroiWTFwd_B53_JPEG2K_32s_C1R(img, 0, bands, bad_steps, &empty, buf), kroStatusBadStep);
-  EXPECT_EQ(kroiWTFwd_B53_JPEG2K_32s_C1R(img, 16, bands, bad_steps, &empty, buf), kroStatusNullPointer);
-  EXPECT_EQ(kroiWTInv_B53_JPEG2K_32s_C1R(cbands, bad_steps, img, 16, &empty, buf), kroStatusBadStep);
+  EXPECT_EQ(kroiWTFwd_B53_JPEG2K_32s_C1R(img, 16, bands, bad_steps, &empty, buf),
+            kroStatusNullPointer);
+  EXPECT_EQ(kroiWTInv_B53_JPEG2K_32s_C1R(cbands, bad_steps, img, 16, &empty, buf),
+            kroStatusBadStep);
   EXPECT_EQ(kroiWTInv_B53_JPEG2K_32s_C1R(cbands, steps, img, 16, &empty, buf), kroStatusBadSize);
-  EXPECT_EQ(kroiWTFwdRow_B53_JPEG2K_32s_C1R(img, 0, nullptr, 8, b1, 8, no_rows, 0), kroStatusNullPointer);
+  EXPECT_EQ(kroiWTFwdRow_B53_JPEG2K_32s_C1R(img, 0, nullptr, 8, b1, 8, no_rows, 0),
+            kroStatusNullPointer);
   EXPECT_EQ(kroiWTInvCol_B53_JPEG2K_32s_C1R(img, 8, b0, 8, no_rows, b1, 0, 0), kroStatusBadStep);
-  EXPECT_EQ(kroiWTFwdCol_B53_JPEG2K_16s_C1R(reinterpret_cast<Kro16s*>(img), 8, reinterpret_cast<Kro16s*>(b0), 8,
+  EXPECT_EQ(kroiWTFwdCol_B53_JPEG2K_16s_C1R(reinterpret_cast<Kro16s*>(img), 8,
+                                            reinterpret_cast<Kro16s*>(b0), 8,
                                             reinterpret_cast<Kro16s*>(b1), 8, no_rows, 1),
             kroStatusBadSize);
-  EXPECT_EQ(kroiWTFwdColLift_B53_JPEG2K_32s_C1(img, img, img, b0, nullptr, b1, 0), kroStatusNullPointer);
+  EXPECT_EQ(kroiWTFwdColLift_B53_JPEG2K_32s_C1(img, img, img, b0, nullptr, b1, 0),
+            kroStatusNullPointer);
   EXPECT_EQ(kroiWTInvColStep_B53_JPEG2K_32s_C1(img, img, img, img, b0, b1, 0), kroStatusBadSize);
   EXPECT_EQ(kroiWTGetBufSize_B53_JPEG2K_16s_C1R(nullptr, &size), kroStatusNullPointer);
   EXPECT_EQ(kroiWTGetBufSize_B53_JPEG2K_32s_C1IR(&rect, nullptr), kroStatusNullPointer);
@@ -148,7 +157,8 @@ TEST(Wavelet53, HandComputedVectors) {
   const KroiRect r22{0, 0, 2, 2}, r31{0, 0, 3, 1}, r175{0, 0, 17, 5}, huge{0, 0, 1 << 30, 3};
   EXPECT_TRUE(kroiWTGetBufSize_B53_JPEG2K_16s_C1IR(&r22, &size) == kroStatusOk && size == 0);
   EXPECT_TRUE(kroiWTGetBufSize_B53_JPEG2K_16s_C1IR(&r31, &size) == kroStatusOk && size == 14);
-  EXPECT_TRUE(kroiWTGetBufSize_B53_JPEG2K_32s_C1R(&r175, &size) == kroStatusOk && size == 96 * 5 + 84);
+  EXPECT_TRUE(kroiWTGetBufSize_B53_JPEG2K_32s_C1R(&r175, &size) == kroStatusOk &&
+              size == 96 * 5 + 84);
   EXPECT_TRUE(kroiWTGetBufSize_B53_JPEG2K_16s_C1R(&r22, &size) == kroStatusOk && size == 64);
   EXPECT_TRUE(kroiWTGetBufSize_B53_JPEG2K_32s_C1IR(&huge, &size) == kroStatusOk && size == 16);
 }
@@ -174,10 +184,12 @@ void CheckTiles(int max_side, int64_t range, bool round_trip) {
         if (vs_definition) {
           FwdTile(want, r.x & 1, r.y & 1, Fwd53<T>);
           ASSERT_EQ(MaxDiff(img, want), 0) << w << "x" << h << " parity " << parity;
-          InvTile(want, r.x & 1, r.y & 1, Inv53<T>);  // also on coefficients it did not make (16-bit wraps)
+          InvTile(want, r.x & 1, r.y & 1,
+                  Inv53<T>);  // also on coefficients it did not make (16-bit wraps)
         }
         ASSERT_EQ(InPlace(false, img, r), kroStatusOk);
-        if (vs_definition) ASSERT_EQ(MaxDiff(img, want), 0) << w << "x" << h << " parity " << parity << " inverse";
+        if (vs_definition)
+          ASSERT_EQ(MaxDiff(img, want), 0) << w << "x" << h << " parity " << parity << " inverse";
         if (round_trip) ASSERT_EQ(MaxDiff(img, orig), 0) << w << "x" << h << " parity " << parity;
       }
 }
@@ -217,7 +229,8 @@ TEST(Wavelet53, SeveralLevelsRoundTrip) {
       ASSERT_EQ(InPlace(true, img, r), kroStatusOk);
       r = {(r.x + 1) >> 1, (r.y + 1) >> 1, LowCount(r.width, r.x & 1), LowCount(r.height, r.y & 1)};
     }
-    for (auto it = levels.rbegin(); it != levels.rend(); ++it) ASSERT_EQ(InPlace(false, img, *it), kroStatusOk);
+    for (auto it = levels.rbegin(); it != levels.rend(); ++it)
+      ASSERT_EQ(InPlace(false, img, *it), kroStatusOk);
     EXPECT_EQ(MaxDiff(img, orig), 0) << origin;
   }
 }
@@ -231,8 +244,8 @@ TEST(Wavelet53, SeveralLevelsRoundTrip) {
 template <class T>
 void CheckRegionForms(int w, int rows, int p, int64_t range, Rng& rng) {
   const int n = 2 * w, left = 2 - p, right = 1 + p, l_left = p, l_right = 1 - p;
-  Plane<T> src(n + 3, rows), low(w, rows), high(w, rows), lowx(w + 1, rows), highx(w + 2, rows), want(n, rows),
-      back(n, rows);
+  Plane<T> src(n + 3, rows), low(w, rows), high(w, rows), lowx(w + 1, rows), highx(w + 2, rows),
+      want(n, rows), back(n, rows);
   for (int y = 0; y < rows; ++y) {
     Plane<T> tile(n, 1);
     rng.Fill(tile.data(), n, -range, range - 1);
@@ -244,26 +257,27 @@ void CheckRegionForms(int w, int rows, int p, int64_t range, Rng& rng) {
     highx.SetRow(y, ExtendedBand(tile.Row(0), p, 1, -1, w));
   }
   const KroiSize size{w, rows}, sizeT{rows, w};
-  ASSERT_EQ(B53<T>::kFwdRow(src.row(0) + left, src.step(), low.data(), low.step(), high.data(), high.step(), size,
-                            p ? -3 : 0),
+  ASSERT_EQ(B53<T>::kFwdRow(src.row(0) + left, src.step(), low.data(), low.step(), high.data(),
+                            high.step(), size, p ? -3 : 0),
             kroStatusOk);
   Plane<T> out(n, rows);
-  ASSERT_EQ(B53<T>::kInvRow(lowx.row(0) + l_left, lowx.step(), highx.row(0) + 1, highx.step(), size, out.data(),
-                            out.step(), p),
+  ASSERT_EQ(B53<T>::kInvRow(lowx.row(0) + l_left, lowx.step(), highx.row(0) + 1, highx.step(), size,
+                            out.data(), out.step(), p),
             kroStatusOk);
   for (int y = 0; y < rows; ++y) {
     for (int k = 0; k < w; ++k) ASSERT_EQ(low.at(k, y), want.at(k, y)) << "w " << w << " p " << p;
-    for (int k = 0; k < w; ++k) ASSERT_EQ(high.at(k, y), want.at(w + k, y)) << "w " << w << " p " << p;
+    for (int k = 0; k < w; ++k)
+      ASSERT_EQ(high.at(k, y), want.at(w + k, y)) << "w " << w << " p " << p;
   }
   ASSERT_EQ(MaxDiff(out, back), 0) << "w " << w << " p " << p;
 
   const Plane<T> srcT = src.Transposed(), lowxT = lowx.Transposed(), highxT = highx.Transposed();
   Plane<T> lowT(rows, w), highT(rows, w), outT(rows, n);
-  ASSERT_EQ(B53<T>::kFwdCol(srcT.row(left), srcT.step(), lowT.data(), lowT.step(), highT.data(), highT.step(), sizeT,
-                            p),
+  ASSERT_EQ(B53<T>::kFwdCol(srcT.row(left), srcT.step(), lowT.data(), lowT.step(), highT.data(),
+                            highT.step(), sizeT, p),
             kroStatusOk);
-  ASSERT_EQ(B53<T>::kInvCol(lowxT.row(l_left), lowxT.step(), highxT.row(1), highxT.step(), sizeT, outT.data(),
-                            outT.step(), p),
+  ASSERT_EQ(B53<T>::kInvCol(lowxT.row(l_left), lowxT.step(), highxT.row(1), highxT.step(), sizeT,
+                            outT.data(), outT.step(), p),
             kroStatusOk);
   ASSERT_EQ(MaxDiff(lowT.Transposed(), low), 0);
   ASSERT_EQ(MaxDiff(highT.Transposed(), high), 0);
@@ -295,9 +309,12 @@ void CheckColLift(int W, int H, int p, bool step_name, Rng& rng) {
   const int nl = LowCount(H, p);
   auto row = [&](int k) { return img.row(Mirror(k, p, p + H) - p); };
   std::vector<T> hrow(W), lrow(W), even(W), prev(W), odd(W);
-  if (p == 0) ASSERT_EQ(fwd(row(0), row(1), row(2), lrow.data(), hrow.data(), hrow.data(), W), kroStatusOk);
+  if (p == 0)
+    ASSERT_EQ(fwd(row(0), row(1), row(2), lrow.data(), hrow.data(), hrow.data(), W), kroStatusOk);
   for (int n = 0; 2 * n <= p + H - 1; ++n) {
-    ASSERT_EQ(fwd(row(2 * n), row(2 * n + 1), row(2 * n + 2), lrow.data(), hrow.data(), hrow.data(), W), kroStatusOk);
+    ASSERT_EQ(
+        fwd(row(2 * n), row(2 * n + 1), row(2 * n + 2), lrow.data(), hrow.data(), hrow.data(), W),
+        kroStatusOk);
     if (2 * n >= p) std::copy(lrow.begin(), lrow.end(), lifted.row(n - p));
     if (2 * n + 1 < p + H) std::copy(hrow.begin(), hrow.end(), lifted.row(nl + n));
   }
@@ -312,8 +329,9 @@ void CheckColLift(int W, int H, int p, bool step_name, Rng& rng) {
     return lifted.row(BandIndex(j, H, p));
   };
   for (int n = 0; n <= (p + H) / 2; ++n) {
-    ASSERT_EQ(inv(coef(2 * n), coef(2 * n - 1), coef(2 * n + 1), prev.data(), odd.data(), even.data(), W),
-              kroStatusOk);
+    ASSERT_EQ(
+        inv(coef(2 * n), coef(2 * n - 1), coef(2 * n + 1), prev.data(), odd.data(), even.data(), W),
+        kroStatusOk);
     if (2 * n >= p && 2 * n < p + H) back.SetRow(2 * n - p, even);
     if (2 * n - 1 >= p && 2 * n - 1 < p + H) back.SetRow(2 * n - 1 - p, odd);
     prev.swap(even);
@@ -337,13 +355,17 @@ HWY_TARGET_INSTANTIATE_TEST_SUITE_P(Wavelet53Targets);
 
 TEST_P(Wavelet53Targets, LevelsMatchTheReference) {
   Rng rng(530);
-  CheckLevelAgainstReference<Kro16s>(kroiWTFwd_B53_JPEG2K_16s_C1IR, kroiWTGetBufSize_B53_JPEG2K_16s_C1IR,
+  CheckLevelAgainstReference<Kro16s>(kroiWTFwd_B53_JPEG2K_16s_C1IR,
+                                     kroiWTGetBufSize_B53_JPEG2K_16s_C1IR,
                                      kro::Fwd2DInPlace<Kro16s, kro::Fwd53Ref<Kro16s>>, rng);
-  CheckLevelAgainstReference<Kro16s>(kroiWTInv_B53_JPEG2K_16s_C1IR, kroiWTGetBufSize_B53_JPEG2K_16s_C1IR,
+  CheckLevelAgainstReference<Kro16s>(kroiWTInv_B53_JPEG2K_16s_C1IR,
+                                     kroiWTGetBufSize_B53_JPEG2K_16s_C1IR,
                                      kro::Inv2DInPlace<Kro16s, kro::Inv53Ref<Kro16s>>, rng);
-  CheckLevelAgainstReference<Kro32s>(kroiWTFwd_B53_JPEG2K_32s_C1IR, kroiWTGetBufSize_B53_JPEG2K_32s_C1IR,
+  CheckLevelAgainstReference<Kro32s>(kroiWTFwd_B53_JPEG2K_32s_C1IR,
+                                     kroiWTGetBufSize_B53_JPEG2K_32s_C1IR,
                                      kro::Fwd2DInPlace<Kro32s, kro::Fwd53Ref<Kro32s>>, rng);
-  CheckLevelAgainstReference<Kro32s>(kroiWTInv_B53_JPEG2K_32s_C1IR, kroiWTGetBufSize_B53_JPEG2K_32s_C1IR,
+  CheckLevelAgainstReference<Kro32s>(kroiWTInv_B53_JPEG2K_32s_C1IR,
+                                     kroiWTGetBufSize_B53_JPEG2K_32s_C1IR,
                                      kro::Inv2DInPlace<Kro32s, kro::Inv53Ref<Kro32s>>, rng);
 }
 
@@ -354,8 +376,10 @@ TEST_P(Wavelet53Targets, OutOfPlaceCutsBandsFromSizeAlone) {
   for (int w : {1, 2, 3, 5, 8, 33})
     for (int h : {1, 2, 3, 7, 30})
       for (int parity = 0; parity < 4; ++parity) {
-        CheckOutOfPlace<B53<Kro16s>, Kro16s>(w, h, parity & 1, parity >> 1, B53<Kro16s>::kSafe, rng);
-        CheckOutOfPlace<B53<Kro32s>, Kro32s>(w, h, parity & 1, parity >> 1, B53<Kro32s>::kSafe, rng);
+        CheckOutOfPlace<B53<Kro16s>, Kro16s>(w, h, parity & 1, parity >> 1, B53<Kro16s>::kSafe,
+                                             rng);
+        CheckOutOfPlace<B53<Kro32s>, Kro32s>(w, h, parity & 1, parity >> 1, B53<Kro32s>::kSafe,
+                                             rng);
       }
 }
 
@@ -364,25 +388,29 @@ TEST_P(Wavelet53Targets, RegionAndStreamingFormsMatchTheReference) {
   // Source x[-2 .. 2n] or x[-1 .. 2n+1]; low 0..n or -1..n-1; high -1..n.
   const RegionReach reach{{{2, 1}, {1, 2}}, {{0, 1}, {1, 0}}, {{1, 1}, {1, 1}}};
   for (bool rows : {true, false}) {
-    CheckRegionForm<Kro16s>(rows, rows ? kroiWTFwdRow_B53_JPEG2K_16s_C1R : kroiWTFwdCol_B53_JPEG2K_16s_C1R,
-                            rows ? kro::RefFwdRows<Kro16s, kro::Region53Ref<Kro16s>>
-                                 : kro::RefFwdCols<Kro16s, kro::Region53Ref<Kro16s>>,
-                            rows ? kroiWTInvRow_B53_JPEG2K_16s_C1R : kroiWTInvCol_B53_JPEG2K_16s_C1R,
-                            rows ? kro::RefInvRows<Kro16s, kro::Region53Ref<Kro16s>>
-                                 : kro::RefInvCols<Kro16s, kro::Region53Ref<Kro16s>>,
-                            reach, rng);
-    CheckRegionForm<Kro32s>(rows, rows ? kroiWTFwdRow_B53_JPEG2K_32s_C1R : kroiWTFwdCol_B53_JPEG2K_32s_C1R,
-                            rows ? kro::RefFwdRows<Kro32s, kro::Region53Ref<Kro32s>>
-                                 : kro::RefFwdCols<Kro32s, kro::Region53Ref<Kro32s>>,
-                            rows ? kroiWTInvRow_B53_JPEG2K_32s_C1R : kroiWTInvCol_B53_JPEG2K_32s_C1R,
-                            rows ? kro::RefInvRows<Kro32s, kro::Region53Ref<Kro32s>>
-                                 : kro::RefInvCols<Kro32s, kro::Region53Ref<Kro32s>>,
-                            reach, rng);
+    CheckRegionForm<Kro16s>(
+        rows, rows ? kroiWTFwdRow_B53_JPEG2K_16s_C1R : kroiWTFwdCol_B53_JPEG2K_16s_C1R,
+        rows ? kro::RefFwdRows<Kro16s, kro::Region53Ref<Kro16s>>
+             : kro::RefFwdCols<Kro16s, kro::Region53Ref<Kro16s>>,
+        rows ? kroiWTInvRow_B53_JPEG2K_16s_C1R : kroiWTInvCol_B53_JPEG2K_16s_C1R,
+        rows ? kro::RefInvRows<Kro16s, kro::Region53Ref<Kro16s>>
+             : kro::RefInvCols<Kro16s, kro::Region53Ref<Kro16s>>,
+        reach, rng);
+    CheckRegionForm<Kro32s>(
+        rows, rows ? kroiWTFwdRow_B53_JPEG2K_32s_C1R : kroiWTFwdCol_B53_JPEG2K_32s_C1R,
+        rows ? kro::RefFwdRows<Kro32s, kro::Region53Ref<Kro32s>>
+             : kro::RefFwdCols<Kro32s, kro::Region53Ref<Kro32s>>,
+        rows ? kroiWTInvRow_B53_JPEG2K_32s_C1R : kroiWTInvCol_B53_JPEG2K_32s_C1R,
+        rows ? kro::RefInvRows<Kro32s, kro::Region53Ref<Kro32s>>
+             : kro::RefInvCols<Kro32s, kro::Region53Ref<Kro32s>>,
+        reach, rng);
   }
   // Rows x0, x1, x2, low, d[n-1], high; the high row may be d[n-1] itself.
   for (int alias : {-1, 5}) {
-    CheckLiftRows<Kro16s, 6>(kroiWTFwdColLift_B53_JPEG2K_16s_C1, kro::ref::Fwd53LiftRow<Kro16s>, rng, alias, 4);
-    CheckLiftRows<Kro32s, 6>(kroiWTFwdColStep_B53_JPEG2K_32s_C1, kro::ref::Fwd53LiftRow<Kro32s>, rng, alias, 4);
+    CheckLiftRows<Kro16s, 6>(kroiWTFwdColLift_B53_JPEG2K_16s_C1, kro::ref::Fwd53LiftRow<Kro16s>,
+                             rng, alias, 4);
+    CheckLiftRows<Kro32s, 6>(kroiWTFwdColStep_B53_JPEG2K_32s_C1, kro::ref::Fwd53LiftRow<Kro32s>,
+                             rng, alias, 4);
   }
   CheckLiftRows<Kro16s, 6>(kroiWTInvColStep_B53_JPEG2K_16s_C1, kro::ref::Inv53LiftRow<Kro16s>, rng);
   CheckLiftRows<Kro32s, 6>(kroiWTInvColLift_B53_JPEG2K_32s_C1, kro::ref::Inv53LiftRow<Kro32s>, rng);

@@ -50,8 +50,12 @@ struct Fixed14 {  // 16s: v + ((c (a + b) + 8192) >> 14), kept as 16 bits
   static constexpr float kC[6] = {kA, kB, kG, kD, kK, kIK};
   static I In(S v) { return v; }
   static I First(S x, S a, S b) { return Lift(x, a, b, kA); }
-  static I Lift(I x, I a, I b, float c) { return static_cast<I>(x + ((Q(c, 14) * (a + b) + 8192) >> 14)); }
-  static I UnLift(I x, I a, I b, float c) { return static_cast<I>(x - ((Q(c, 14) * (a + b) + 8192) >> 14)); }
+  static I Lift(I x, I a, I b, float c) {
+    return static_cast<I>(x + ((Q(c, 14) * (a + b) + 8192) >> 14));
+  }
+  static I UnLift(I x, I a, I b, float c) {
+    return static_cast<I>(x - ((Q(c, 14) * (a + b) + 8192) >> 14));
+  }
   static S Scale(I v, float c) { return static_cast<S>((v * Q(c, 14) + 8192) >> 14); }
   static I Unscale(S v, float c) { return Scale(v, c); }
   static S Out(I v) { return v; }
@@ -64,7 +68,8 @@ struct Float32s : Float {  // 32s: floats, a wrapping integer first sum, saturat
   }
   static I In(S v) { return static_cast<float>(v); }
   static I First(S x, S a, S b) {
-    return static_cast<float>(x) + static_cast<float>(static_cast<int32_t>(uint32_t(a) + uint32_t(b))) * kA;
+    return static_cast<float>(x) +
+           static_cast<float>(static_cast<int32_t>(uint32_t(a) + uint32_t(b))) * kA;
   }
   static S Scale(I v, float c) { return Sat(v * c); }
   static I Unscale(S v, float c) { return static_cast<float>(v) * c; }
@@ -89,11 +94,13 @@ template <class R>
 std::vector<typename R::S> Fwd97(const std::vector<typename R::S>& x, int p) {
   using S = typename R::S;
   const int n = static_cast<int>(x.size()), lo = p - 4, hi = p + n + 3;
-  if (n == 1) return {static_cast<S>(std::is_integral_v<S> ? S(uint64_t(x[0]) << p) : S(x[0] * (1 + p)))};
+  if (n == 1)
+    return {static_cast<S>(std::is_integral_v<S> ? S(uint64_t(x[0]) << p) : S(x[0] * (1 + p)))};
   auto X = [&](int k) { return x[Mirror(k, p, p + n) - p]; };
   std::vector<typename R::I> v(hi - lo + 1);
   auto at = [&](int k) -> auto& { return v[k - lo]; };
-  for (int k = lo + 1; k < hi; ++k) at(k) = (k & 1) ? R::First(X(k), X(k - 1), X(k + 1)) : R::In(X(k));
+  for (int k = lo + 1; k < hi; ++k)
+    at(k) = (k & 1) ? R::First(X(k), X(k - 1), X(k + 1)) : R::In(X(k));
   for (int t = 2; t <= 4; ++t)
     for (int k = lo + t; k <= hi - t; ++k)
       if ((k & 1) == (t & 1)) at(k) = R::Lift(at(k), at(k - 1), at(k + 1), R::kC[t - 1]);
@@ -109,7 +116,8 @@ std::vector<typename R::S> Inv97(const std::vector<typename R::S>& y, int p) {
   if (n == 1) return {static_cast<S>(p ? y[0] / 2 : y[0])};
   std::vector<typename R::I> v(hi - lo + 1);
   auto at = [&](int k) -> auto& { return v[k - lo]; };
-  for (int k = lo; k <= hi; ++k) at(k) = R::Unscale(y[Mirror(k, p, p + n) - p], R::kC[(k & 1) ? 5 : 4]);
+  for (int k = lo; k <= hi; ++k)
+    at(k) = R::Unscale(y[Mirror(k, p, p + n) - p], R::kC[(k & 1) ? 5 : 4]);
   for (int t = 1; t <= 4; ++t)
     for (int k = lo + t; k <= hi - t; ++k)
       if ((k & 1) != (t & 1)) at(k) = R::UnLift(at(k), at(k - 1), at(k + 1), R::kC[4 - t]);
@@ -131,26 +139,28 @@ Plane<double> ToDouble(const Plane<T>& p) {
 
 template <class T>
 void Fill(Plane<T>& p, Rng& rng, double range) {
-  for (auto& v : p.v) v = static_cast<T>(std::is_integral_v<T> ? rng.Int(-range, range) : rng.Real(-range, range));
+  for (auto& v : p.v)
+    v = static_cast<T>(std::is_integral_v<T> ? rng.Int(-range, range) : rng.Real(-range, range));
 }
 
 // ---- Typed access ----------------------------------------------------------------------
 
 template <class T>
 struct D97;
-#define KROJ_D97_REGION(t)                                                                       \
-  static constexpr auto kFwdRow = kroiWTFwdRow_D97_JPEG2K_##t##_C1R;                             \
-  static constexpr auto kInvRow = kroiWTInvRow_D97_JPEG2K_##t##_C1R;                             \
-  static constexpr auto kFwdLift = kroiWTFwdColLift_D97_JPEG2K_##t##_C1;                         \
+#define KROJ_D97_REGION(t)                                               \
+  static constexpr auto kFwdRow = kroiWTFwdRow_D97_JPEG2K_##t##_C1R;     \
+  static constexpr auto kInvRow = kroiWTInvRow_D97_JPEG2K_##t##_C1R;     \
+  static constexpr auto kFwdLift = kroiWTFwdColLift_D97_JPEG2K_##t##_C1; \
   static constexpr auto kInvLift = kroiWTInvColLift_D97_JPEG2K_##t##_C1;
-#define KROJ_D97_2D(t)                                                                           \
-  static constexpr auto kFwdIR = kroiWTFwd_D97_JPEG2K_##t##_C1IR, kInvIR = kroiWTInv_D97_JPEG2K_##t##_C1IR; \
-  static constexpr auto kFwdR = kroiWTFwd_D97_JPEG2K_##t##_C1R;                                  \
-  static constexpr auto kInvR = kroiWTInv_D97_JPEG2K_##t##_C1R;                                  \
-  static constexpr auto kSizeIR = kroiWTGetBufSize_D97_JPEG2K_##t##_C1IR;                        \
+#define KROJ_D97_2D(t)                                                    \
+  static constexpr auto kFwdIR = kroiWTFwd_D97_JPEG2K_##t##_C1IR,         \
+                        kInvIR = kroiWTInv_D97_JPEG2K_##t##_C1IR;         \
+  static constexpr auto kFwdR = kroiWTFwd_D97_JPEG2K_##t##_C1R;           \
+  static constexpr auto kInvR = kroiWTInv_D97_JPEG2K_##t##_C1R;           \
+  static constexpr auto kSizeIR = kroiWTGetBufSize_D97_JPEG2K_##t##_C1IR; \
   static constexpr auto kSizeR = kroiWTGetBufSize_D97_JPEG2K_##t##_C1R;
-#define KROJ_D97_COL(t)                                                                          \
-  static constexpr auto kFwdCol = kroiWTFwdCol_D97_JPEG2K_##t##_C1R;                             \
+#define KROJ_D97_COL(t)                                              \
+  static constexpr auto kFwdCol = kroiWTFwdCol_D97_JPEG2K_##t##_C1R; \
   static constexpr auto kInvCol = kroiWTInvCol_D97_JPEG2K_##t##_C1R;
 template <>
 struct D97<Kro16s> {
@@ -184,13 +194,15 @@ TEST(Wavelet97, ArgumentChecksInDocumentedOrder) {
   int steps[4] = {8, 8, 8, 0};
   const KroiSize bad{3, 0};
   EXPECT_EQ(kroiWTFwd_D97_JPEG2K_16s_C1IR(nullptr, 0, &rect, buf), kroStatusNullPointer);
-  EXPECT_EQ(kroiWTInv_D97_JPEG2K_32s_C1IR(reinterpret_cast<Kro32s*>(s), 0, nullptr, nullptr), kroStatusBadStep);
+  EXPECT_EQ(kroiWTInv_D97_JPEG2K_32s_C1IR(reinterpret_cast<Kro32s*>(s), 0, nullptr, nullptr),
+            kroStatusBadStep);
   EXPECT_EQ(kroiWTFwd_D97_JPEG2K_16s_C1R(s, 0, bands, steps, &rect, buf), kroStatusBadStep);
   EXPECT_EQ(kroiWTFwd_D97_JPEG2K_16s_C1R(s, 8, bands, steps, &rect, buf), kroStatusNullPointer);
   EXPECT_EQ(kroiWTFwdRow_D97_JPEG2K_32f_C1R(f, 8, f, 8, f, 0, bad, 0), kroStatusBadStep);
   EXPECT_EQ(kroiWTInvRow_D97_JPEG2K_16s_C1R(s, 8, s, 8, bad, s, 8, 1), kroStatusBadSize);
   EXPECT_EQ(kroiWTFwdCol_D97_JPEG2K_32f_C1R(f, 0, nullptr, 8, f, 8, bad, 0), kroStatusNullPointer);
-  EXPECT_EQ(kroiWTFwdColLift_D97_JPEG2K_32f_C1(f, f, f, f, f, f, f, nullptr, 0), kroStatusNullPointer);
+  EXPECT_EQ(kroiWTFwdColLift_D97_JPEG2K_32f_C1(f, f, f, f, f, f, f, nullptr, 0),
+            kroStatusNullPointer);
   EXPECT_EQ(kroiWTInvColLift_D97_JPEG2K_16s_C1(s, s, s, s, s, s, s, s, 0), kroStatusBadSize);
   EXPECT_EQ(kroiWTFwdColStep_D97_JPEG2K_32f_C1(f, f, f, f, f, f, f, f, -1), kroStatusBadSize);
   EXPECT_EQ(kroiWTGetBufSize_D97_JPEG2K_32s_C1R(&rect, nullptr), kroStatusNullPointer);
@@ -200,8 +212,10 @@ TEST(Wavelet97, ArgumentChecksInDocumentedOrder) {
 TEST(Wavelet97, HandValues) {
   // The fixed-point coefficients are the floats rounded to 2^-14 and 2^-16.
   namespace r = kro::ref;
-  const int32_t q14[6] = {r::kAlphaQ14, r::kBetaQ14, r::kGammaQ14, r::kDeltaQ14, r::kKQ14, r::kInvKQ14};
-  const int32_t q16[6] = {r::kAlphaQ16, r::kBetaQ16, r::kGammaQ16, r::kDeltaOverKQ16, r::kKQ16, r::kInvKQ16};
+  const int32_t q14[6] = {r::kAlphaQ14, r::kBetaQ14, r::kGammaQ14,
+                          r::kDeltaQ14, r::kKQ14,    r::kInvKQ14};
+  const int32_t q16[6] = {r::kAlphaQ16,      r::kBetaQ16, r::kGammaQ16,
+                          r::kDeltaOverKQ16, r::kKQ16,    r::kInvKQ16};
   const double c16[6] = {kA, kB, kG, static_cast<double>(kD) / kK, kK, kIK};
   for (int i = 0; i < 6; ++i) EXPECT_EQ(q14[i], Q(Float::kC[i], 14)) << i;
   for (int i = 0; i < 6; ++i) EXPECT_EQ(q16[i], Q(c16[i], 16)) << i;
@@ -219,9 +233,12 @@ TEST(Wavelet97, HandValues) {
   int size = -1;
   const KroiRect r1{0, 0, 1, 1}, r2{0, 0, 2, 1}, r3{0, 0, 3, 9};
   EXPECT_TRUE(kroiWTGetBufSize_D97_JPEG2K_16s_C1IR(&r1, &size) == kroStatusOk && size == 0);
-  EXPECT_TRUE(kroiWTGetBufSize_D97_JPEG2K_16s_C1IR(&r2, &size) == kroStatusOk && size == 2 * 2 + 16);
-  EXPECT_TRUE(kroiWTGetBufSize_D97_JPEG2K_32s_C1IR(&r3, &size) == kroStatusOk && size == 4 * (9 + 8));
-  EXPECT_TRUE(kroiWTGetBufSize_D97_JPEG2K_16s_C1R(&r3, &size) == kroStatusOk && size == 32 * 9 + 2 * 17);
+  EXPECT_TRUE(kroiWTGetBufSize_D97_JPEG2K_16s_C1IR(&r2, &size) == kroStatusOk &&
+              size == 2 * 2 + 16);
+  EXPECT_TRUE(kroiWTGetBufSize_D97_JPEG2K_32s_C1IR(&r3, &size) == kroStatusOk &&
+              size == 4 * (9 + 8));
+  EXPECT_TRUE(kroiWTGetBufSize_D97_JPEG2K_16s_C1R(&r3, &size) == kroStatusOk &&
+              size == 32 * 9 + 2 * 17);
 
   EXPECT_EQ(r::SatTrunc32(2147483904.0f), INT32_MAX);
   EXPECT_EQ(r::SatTrunc32(2147483648.0f), INT32_MIN);  // as the truncating conversion gives it
@@ -305,8 +322,8 @@ TEST(Wavelet97, IntegerFormsWithinBoundsOfDoublePrecision) {
 template <class T>
 std::pair<double, double> CheckRegion(int w, int rows, int p, double range, Rng& rng) {
   const int n = 2 * w, left = 4 - p, right = 3 + p, l_left = 1 + p, l_right = 2 - p;
-  Plane<T> src(n + 7, rows), low(w, rows), high(w, rows), lowx(w + 3, rows), highx(w + 4, rows), out(n, rows),
-      want(n, rows), back(n, rows);
+  Plane<T> src(n + 7, rows), low(w, rows), high(w, rows), lowx(w + 3, rows), highx(w + 4, rows),
+      out(n, rows), want(n, rows), back(n, rows);
   double fwd_err = 0;
   for (int y = 0; y < rows; ++y) {
     Plane<T> line(n, 1);
@@ -322,27 +339,29 @@ std::pair<double, double> CheckRegion(int w, int rows, int p, double range, Rng&
     highx.SetRow(y, ExtendedBand(bands, p, 1, -2, w + 1));
   }
   const KroiSize size{w, rows};
-  EXPECT_EQ(D97<T>::kFwdRow(src.row(0) + left, src.step(), low.data(), low.step(), high.data(), high.step(), size,
-                            p ? 9 : 0),
+  EXPECT_EQ(D97<T>::kFwdRow(src.row(0) + left, src.step(), low.data(), low.step(), high.data(),
+                            high.step(), size, p ? 9 : 0),
             kroStatusOk);
-  EXPECT_EQ(D97<T>::kInvRow(lowx.row(0) + l_left, lowx.step(), highx.row(0) + 2, highx.step(), size, out.data(),
-                            out.step(), p),
+  EXPECT_EQ(D97<T>::kInvRow(lowx.row(0) + l_left, lowx.step(), highx.row(0) + 2, highx.step(), size,
+                            out.data(), out.step(), p),
             kroStatusOk);
   for (int y = 0; y < rows; ++y)
     for (int k = 0; k < w; ++k)
-      EXPECT_TRUE(low.at(k, y) == want.at(k, y) && high.at(k, y) == want.at(w + k, y)) << "w " << w << " p " << p;
+      EXPECT_TRUE(low.at(k, y) == want.at(k, y) && high.at(k, y) == want.at(w + k, y))
+          << "w " << w << " p " << p;
   EXPECT_EQ(MaxDiff(out, back), 0) << "w " << w << " p " << p;
   if constexpr (!std::is_same_v<T, Kro16s>) {
     const Plane<T> srcT = src.Transposed(), lowxT = lowx.Transposed(), highxT = highx.Transposed();
     Plane<T> lowT(rows, w), highT(rows, w), outT(rows, n);
     const KroiSize sizeT{rows, w};
-    EXPECT_EQ(D97<T>::kFwdCol(srcT.row(left), srcT.step(), lowT.data(), lowT.step(), highT.data(), highT.step(),
-                              sizeT, p),
+    EXPECT_EQ(D97<T>::kFwdCol(srcT.row(left), srcT.step(), lowT.data(), lowT.step(), highT.data(),
+                              highT.step(), sizeT, p),
               kroStatusOk);
-    EXPECT_EQ(D97<T>::kInvCol(lowxT.row(l_left), lowxT.step(), highxT.row(2), highxT.step(), sizeT, outT.data(),
-                              outT.step(), p),
+    EXPECT_EQ(D97<T>::kInvCol(lowxT.row(l_left), lowxT.step(), highxT.row(2), highxT.step(), sizeT,
+                              outT.data(), outT.step(), p),
               kroStatusOk);
-    EXPECT_EQ(MaxDiff(lowT.Transposed(), low) + MaxDiff(highT.Transposed(), high), 0) << "w " << w << " p " << p;
+    EXPECT_EQ(MaxDiff(lowT.Transposed(), low) + MaxDiff(highT.Transposed(), high), 0)
+        << "w " << w << " p " << p;
     EXPECT_EQ(MaxDiff(outT.Transposed(), out), 0) << "w " << w << " p " << p;
   }
   Plane<T> orig(n, rows);
@@ -356,12 +375,14 @@ TEST(Wavelet97, RegionFormsMatchDefinitionExactly) {
   double fwd = 0, rt = 0;
   for (int w = 1; w <= 16; ++w)
     for (int p = 0; p < 2; ++p) {
-      const auto [f, r] = CheckRegion<Kro32f>(w, 3 + 16 * (w % 3), p, 1.0, rng);  // 16 columns at a time
+      const auto [f, r] =
+          CheckRegion<Kro32f>(w, 3 + 16 * (w % 3), p, 1.0, rng);  // 16 columns at a time
       fwd = std::max(fwd, f), rt = std::max(rt, r);
       CheckRegion<Kro32s>(w, 19, p, 1 << 24, rng);
       CheckRegion<Kro16s>(w, 3, p, 32767, rng);
     }
-  printf("[ bounds   ] 32f rows, samples within +-1: |fwd - double| <= %g, |inv(fwd) - x| <= %g\n", fwd, rt);
+  printf("[ bounds   ] 32f rows, samples within +-1: |fwd - double| <= %g, |inv(fwd) - x| <= %g\n",
+         fwd, rt);
   EXPECT_LE(fwd, 1e-6);
   EXPECT_LE(rt, 1e-6);
 }
@@ -386,7 +407,8 @@ Plane<T> ByLift(const Plane<T>& img, int p, bool fwd, bool step_name) {
     KroStatus st;
     if (fwd) {  // r = lp, lc, hp2, hp, hc: low n-1 and high n-2 come out in lp, hp2
       auto f = D97<T>::kFwdLift;
-      if constexpr (std::is_same_v<T, Kro32f>) f = step_name ? kroiWTFwdColStep_D97_JPEG2K_32f_C1 : f;
+      if constexpr (std::is_same_v<T, Kro32f>)
+        f = step_name ? kroiWTFwdColStep_D97_JPEG2K_32f_C1 : f;
       st = f(in(2 * n), in(2 * n + 1), in(2 * n + 2), r[0], r[1], r[2], r[3], r[4], W);
       const int kl = 2 * n - 2, kh = 2 * n - 3;
       if (kl >= p && kl <= last) memcpy(out.row(BandIndex(kl - p, H, p)), r[0], W * sizeof(T));
@@ -395,7 +417,8 @@ Plane<T> ByLift(const Plane<T>& img, int p, bool fwd, bool step_name) {
       r[0] = old[1], r[1] = old[0], r[2] = old[3], r[3] = old[4], r[4] = old[2];
     } else {  // r = op, oc, ep2, ep, ec: x(2n-2) and x(2n-3) come out in ep, op
       auto f = D97<T>::kInvLift;
-      if constexpr (std::is_same_v<T, Kro32f>) f = step_name ? kroiWTInvColStep_D97_JPEG2K_32f_C1 : f;
+      if constexpr (std::is_same_v<T, Kro32f>)
+        f = step_name ? kroiWTInvColStep_D97_JPEG2K_32f_C1 : f;
       st = f(in(2 * n), in(2 * n - 1), in(2 * n + 1), r[0], r[1], r[2], r[3], r[4], W);
       const int ke = 2 * n - 2, ko = 2 * n - 3;
       if (ke >= p && ke <= last) memcpy(out.row(ke - p), r[3], W * sizeof(T));
@@ -422,14 +445,18 @@ void CheckColLift(double range, double bound_fwd, double bound_rt) {
       const Plane<T> bands = ByLift(img, p, true, H & 1);
       for (int x = 0; x < img.w; ++x) {
         const std::vector<T> c = img.Column(x);
-        if constexpr (std::is_same_v<T, Kro32f>) ASSERT_EQ(bands.Column(x), ToBands(Fwd97<Float>(c, p), p));
-        const std::vector<double> exact = ToBands(Fwd97<Exact>(std::vector<double>(c.begin(), c.end()), p), p);
+        if constexpr (std::is_same_v<T, Kro32f>)
+          ASSERT_EQ(bands.Column(x), ToBands(Fwd97<Float>(c, p), p));
+        const std::vector<double> exact =
+            ToBands(Fwd97<Exact>(std::vector<double>(c.begin(), c.end()), p), p);
         for (int y = 0; y < H; ++y) fwd = std::max(fwd, fabs(bands.at(x, y) - exact[y]));
       }
       rt = std::max(rt, MaxDiff(ByLift(bands, p, false, H & 2), img));
     }
-  printf("[ bounds   ] %zu%c ColLift, samples within +-%g: |fwd - double| <= %g, |inv(fwd) - x| <= %g\n",
-         sizeof(T) * 8, std::is_integral_v<T> ? 's' : 'f', range, fwd, rt);
+  printf(
+      "[ bounds   ] %zu%c ColLift, samples within +-%g: |fwd - double| <= %g, |inv(fwd) - x| <= "
+      "%g\n",
+      sizeof(T) * 8, std::is_integral_v<T> ? 's' : 'f', range, fwd, rt);
   EXPECT_LE(fwd, bound_fwd);
   EXPECT_LE(rt, bound_rt);
 }
@@ -450,18 +477,23 @@ HWY_TARGET_INSTANTIATE_TEST_SUITE_P(Wavelet97Targets);
 
 TEST_P(Wavelet97Targets, LevelsMatchTheReference) {
   Rng rng(970);
-  CheckLevelAgainstReference<Kro16s>(kroiWTFwd_D97_JPEG2K_16s_C1IR, kroiWTGetBufSize_D97_JPEG2K_16s_C1IR,
+  CheckLevelAgainstReference<Kro16s>(kroiWTFwd_D97_JPEG2K_16s_C1IR,
+                                     kroiWTGetBufSize_D97_JPEG2K_16s_C1IR,
                                      kro::Fwd2DInPlace<Kro16s, kro::Fwd97Ref<Kro16s>>, rng);
-  CheckLevelAgainstReference<Kro16s>(kroiWTInv_D97_JPEG2K_16s_C1IR, kroiWTGetBufSize_D97_JPEG2K_16s_C1IR,
+  CheckLevelAgainstReference<Kro16s>(kroiWTInv_D97_JPEG2K_16s_C1IR,
+                                     kroiWTGetBufSize_D97_JPEG2K_16s_C1IR,
                                      kro::Inv2DInPlace<Kro16s, kro::Inv97Ref<Kro16s>>, rng);
-  CheckLevelAgainstReference<Kro32s>(kroiWTFwd_D97_JPEG2K_32s_C1IR, kroiWTGetBufSize_D97_JPEG2K_32s_C1IR,
+  CheckLevelAgainstReference<Kro32s>(kroiWTFwd_D97_JPEG2K_32s_C1IR,
+                                     kroiWTGetBufSize_D97_JPEG2K_32s_C1IR,
                                      kro::Fwd2DInPlace<Kro32s, kro::Fwd97Ref<Kro32s>>, rng);
-  CheckLevelAgainstReference<Kro32s>(kroiWTInv_D97_JPEG2K_32s_C1IR, kroiWTGetBufSize_D97_JPEG2K_32s_C1IR,
+  CheckLevelAgainstReference<Kro32s>(kroiWTInv_D97_JPEG2K_32s_C1IR,
+                                     kroiWTGetBufSize_D97_JPEG2K_32s_C1IR,
                                      kro::Inv2DInPlace<Kro32s, kro::Inv97Ref<Kro32s>>, rng);
   // A row whose lifted float lands exactly on 2^31 (stored as INT32_MIN, as the
   // truncating conversion gives it) next to two beyond it (INT32_MAX), through the
   // horizontal and the vertical pass.
-  const Kro32s row[8] = {-1656079901, -838669814, 901501713, -123898510, 1729140449, -584231040, 15715782, 1025349402};
+  const Kro32s row[8] = {-1656079901, -838669814, 901501713, -123898510,
+                         1729140449,  -584231040, 15715782,  1025349402};
   const Kro32s want[8] = {-1720276864, INT32_MIN, INT32_MAX,   -41870512,  // low-pass
                           -585545472,  INT32_MAX, -2043318400, 1507650048};
   for (const KroiRect r : {KroiRect{0, 0, 8, 1}, KroiRect{2, 4, 1, 8}}) {
@@ -487,24 +519,27 @@ TEST_P(Wavelet97Targets, RegionAndStreamingFormsMatchTheReference) {
   Rng rng(971);
   // Source x[-4 .. 2n+2] or x[-3 .. 2n+3]; low -1..n+1 or -2..n; high -2..n+1.
   const RegionReach reach{{{4, 3}, {3, 4}}, {{1, 2}, {2, 1}}, {{2, 2}, {2, 2}}};
-  CheckRegionForm<Kro16s>(true, kroiWTFwdRow_D97_JPEG2K_16s_C1R, kro::RefFwdRows<Kro16s, kro::Region97Ref<Kro16s>>,
-                          kroiWTInvRow_D97_JPEG2K_16s_C1R, kro::RefInvRows<Kro16s, kro::Region97Ref<Kro16s>>, reach,
-                          rng);
+  CheckRegionForm<Kro16s>(true, kroiWTFwdRow_D97_JPEG2K_16s_C1R,
+                          kro::RefFwdRows<Kro16s, kro::Region97Ref<Kro16s>>,
+                          kroiWTInvRow_D97_JPEG2K_16s_C1R,
+                          kro::RefInvRows<Kro16s, kro::Region97Ref<Kro16s>>, reach, rng);
   for (bool rows : {true, false}) {
-    CheckRegionForm<Kro32s>(rows, rows ? kroiWTFwdRow_D97_JPEG2K_32s_C1R : kroiWTFwdCol_D97_JPEG2K_32s_C1R,
-                            rows ? kro::RefFwdRows<Kro32s, kro::Region97Ref<Kro32s>>
-                                 : kro::RefFwdCols<Kro32s, kro::Region97Ref<Kro32s>>,
-                            rows ? kroiWTInvRow_D97_JPEG2K_32s_C1R : kroiWTInvCol_D97_JPEG2K_32s_C1R,
-                            rows ? kro::RefInvRows<Kro32s, kro::Region97Ref<Kro32s>>
-                                 : kro::RefInvCols<Kro32s, kro::Region97Ref<Kro32s>>,
-                            reach, rng);
-    CheckRegionForm<Kro32f>(rows, rows ? kroiWTFwdRow_D97_JPEG2K_32f_C1R : kroiWTFwdCol_D97_JPEG2K_32f_C1R,
-                            rows ? kro::RefFwdRows<Kro32f, kro::Region97Ref<Kro32f>>
-                                 : kro::RefFwdCols<Kro32f, kro::Region97Ref<Kro32f>>,
-                            rows ? kroiWTInvRow_D97_JPEG2K_32f_C1R : kroiWTInvCol_D97_JPEG2K_32f_C1R,
-                            rows ? kro::RefInvRows<Kro32f, kro::Region97Ref<Kro32f>>
-                                 : kro::RefInvCols<Kro32f, kro::Region97Ref<Kro32f>>,
-                            reach, rng);
+    CheckRegionForm<Kro32s>(
+        rows, rows ? kroiWTFwdRow_D97_JPEG2K_32s_C1R : kroiWTFwdCol_D97_JPEG2K_32s_C1R,
+        rows ? kro::RefFwdRows<Kro32s, kro::Region97Ref<Kro32s>>
+             : kro::RefFwdCols<Kro32s, kro::Region97Ref<Kro32s>>,
+        rows ? kroiWTInvRow_D97_JPEG2K_32s_C1R : kroiWTInvCol_D97_JPEG2K_32s_C1R,
+        rows ? kro::RefInvRows<Kro32s, kro::Region97Ref<Kro32s>>
+             : kro::RefInvCols<Kro32s, kro::Region97Ref<Kro32s>>,
+        reach, rng);
+    CheckRegionForm<Kro32f>(
+        rows, rows ? kroiWTFwdRow_D97_JPEG2K_32f_C1R : kroiWTFwdCol_D97_JPEG2K_32f_C1R,
+        rows ? kro::RefFwdRows<Kro32f, kro::Region97Ref<Kro32f>>
+             : kro::RefFwdCols<Kro32f, kro::Region97Ref<Kro32f>>,
+        rows ? kroiWTInvRow_D97_JPEG2K_32f_C1R : kroiWTInvCol_D97_JPEG2K_32f_C1R,
+        rows ? kro::RefInvRows<Kro32f, kro::Region97Ref<Kro32f>>
+             : kro::RefInvCols<Kro32f, kro::Region97Ref<Kro32f>>,
+        reach, rng);
   }
   namespace r = kro::ref;
   CheckLiftRows<Kro16s, 8>(kroiWTFwdColLift_D97_JPEG2K_16s_C1, r::Fwd97LiftRowsQ16<Kro16s>, rng);

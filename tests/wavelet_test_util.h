@@ -44,13 +44,15 @@ inline int BandIndex(int j, int n, int p) { return ((j + p) & 1) ? LowCount(n, p
 template <class T>
 std::vector<T> ToBands(const std::vector<T>& y, int p) {
   std::vector<T> b(y.size());
-  for (size_t j = 0; j < y.size(); ++j) b[BandIndex(static_cast<int>(j), static_cast<int>(y.size()), p)] = y[j];
+  for (size_t j = 0; j < y.size(); ++j)
+    b[BandIndex(static_cast<int>(j), static_cast<int>(y.size()), p)] = y[j];
   return b;
 }
 template <class T>
 std::vector<T> FromBands(const std::vector<T>& b, int p) {
   std::vector<T> y(b.size());
-  for (size_t j = 0; j < b.size(); ++j) y[j] = b[BandIndex(static_cast<int>(j), static_cast<int>(b.size()), p)];
+  for (size_t j = 0; j < b.size(); ++j)
+    y[j] = b[BandIndex(static_cast<int>(j), static_cast<int>(b.size()), p)];
   return y;
 }
 
@@ -69,7 +71,8 @@ template <class T>
 struct Plane {
   int w, h, pad;
   std::vector<T> v;
-  Plane(int w_, int h_, int pad_ = 0) : w(w_), h(h_), pad(pad_), v(static_cast<size_t>(w_ + pad_) * h_) {}
+  Plane(int w_, int h_, int pad_ = 0)
+      : w(w_), h(h_), pad(pad_), v(static_cast<size_t>(w_ + pad_) * h_) {}
   int step() const { return (w + pad) * static_cast<int>(sizeof(T)); }
   T* data() { return v.data(); }
   T* row(int y) { return v.data() + static_cast<size_t>(y) * (w + pad); }
@@ -165,7 +168,8 @@ void CheckOutOfPlace(int w, int h, int px, int py, int64_t range, Rng& rng) {
   ASSERT_EQ(F::kFwdR(src.data(), src.step(), dst, steps, &r, buf.get()), kroStatusOk);
   for (int b = 0; b < 4; ++b)
     for (int y = 0; y < bh[b]; ++y)
-      for (int x = 0; x < bw[b]; ++x) ASSERT_EQ(band[b].at(x, y), inplace.at(bx[b] + x, by[b] + y)) << b;
+      for (int x = 0; x < bw[b]; ++x)
+        ASSERT_EQ(band[b].at(x, y), inplace.at(bx[b] + x, by[b] + y)) << b;
   ASSERT_EQ(F::kInvR(cdst, steps, back.data(), back.step(), &r, buf.get()), kroStatusOk);
   ASSERT_EQ(InPlace<F>(false, inplace, r), kroStatusOk);
   ASSERT_EQ(MaxDiff(back, inplace), 0) << w << "x" << h << " at " << px << "," << py;
@@ -179,7 +183,8 @@ void FillFullRange(GuardedImage<T>& img, Rng& rng) {
   const KroiSize s = img.size();
   for (int y = 0; y < s.height; ++y)
     for (int x = 0; x < s.width; ++x) {
-      const int64_t lo = std::numeric_limits<T>::min(), hi = std::numeric_limits<T>::max(), pick = rng.Int(0, 7);
+      const int64_t lo = std::numeric_limits<T>::min(), hi = std::numeric_limits<T>::max(),
+                    pick = rng.Int(0, 7);
       const T v = static_cast<T>(pick == 0 ? lo : pick == 1 ? hi : rng.Int(lo, hi));
       memcpy(img.row(y) + x, &v, sizeof(T));  // rows may sit at odd addresses
     }
@@ -206,7 +211,8 @@ void CheckLevelAgainstReference(KroStatus (*fn)(T*, int, const KroiRect*, Kro8u*
         ref(want.data(), want.step(), r, ref_buf.data());
         std::unique_ptr<uint8_t[]> buf(new uint8_t[size + 1]);
         ASSERT_EQ(fn(img.data(), img.step(), &r, buf.get() + 1), kroStatusOk);
-        ASSERT_TRUE(img.SamePixels(want) && img.IntactOutside()) << w << "x" << h << " parity " << parity;
+        ASSERT_TRUE(img.SamePixels(want) && img.IntactOutside())
+            << w << "x" << h << " parity " << parity;
       }
 }
 
@@ -219,7 +225,8 @@ struct Block {
   Block(size_t n_, Rng& rng) : p(new T[n_ > 0 ? n_ : 1]), n(n_) {
     for (size_t i = 0; i < n; ++i) {
       if constexpr (std::is_integral_v<T>) {
-        const int64_t lo = std::numeric_limits<T>::min(), hi = std::numeric_limits<T>::max(), pick = rng.Int(0, 7);
+        const int64_t lo = std::numeric_limits<T>::min(), hi = std::numeric_limits<T>::max(),
+                      pick = rng.Int(0, 7);
         p[i] = static_cast<T>(pick == 0 ? lo : pick == 1 ? hi : rng.Int(lo, hi));
       } else {
         p[i] = static_cast<T>(rng.Real(-1e4, 1e4));
@@ -262,20 +269,28 @@ void CheckRegionForm(bool rows, RegionFwd<T> fwd, kro::RegionFwdFn<T> ref_fwd, R
       const int* hr = reach.high[phase];
       const int step = static_cast<int>(sizeof(T)) * (rows ? 1000000 : across);
       Block<T> src(static_cast<size_t>(sr[0] + 2 * bands + sr[1]) * unit, rng);
-      Block<T> low(static_cast<size_t>(bands) * unit, rng), high(static_cast<size_t>(bands) * unit, rng);
+      Block<T> low(static_cast<size_t>(bands) * unit, rng),
+          high(static_cast<size_t>(bands) * unit, rng);
       std::vector<T> want_low = low.Copy(), want_high = high.Copy();
-      ASSERT_EQ(fwd(src.get() + sr[0] * unit, step, low.get(), step, high.get(), step, size, phase * 7), kroStatusOk);
-      ref_fwd(src.get() + sr[0] * unit, step, want_low.data(), step, want_high.data(), step, size, phase != 0);
-      ASSERT_TRUE(low.Same(want_low) && high.Same(want_high)) << (rows ? "row " : "col ") << n << " phase " << phase;
+      ASSERT_EQ(
+          fwd(src.get() + sr[0] * unit, step, low.get(), step, high.get(), step, size, phase * 7),
+          kroStatusOk);
+      ref_fwd(src.get() + sr[0] * unit, step, want_low.data(), step, want_high.data(), step, size,
+              phase != 0);
+      ASSERT_TRUE(low.Same(want_low) && high.Same(want_high))
+          << (rows ? "row " : "col ") << n << " phase " << phase;
 
       Block<T> lows(static_cast<size_t>(lr[0] + bands + lr[1]) * unit, rng);
       Block<T> highs(static_cast<size_t>(hr[0] + bands + hr[1]) * unit, rng);
       Block<T> out(static_cast<size_t>(2 * bands) * unit, rng);
       std::vector<T> want = out.Copy();
-      ASSERT_EQ(inv(lows.get() + lr[0] * unit, step, highs.get() + hr[0] * unit, step, size, out.get(), step, phase),
+      ASSERT_EQ(inv(lows.get() + lr[0] * unit, step, highs.get() + hr[0] * unit, step, size,
+                    out.get(), step, phase),
                 kroStatusOk);
-      ref_inv(lows.get() + lr[0] * unit, step, highs.get() + hr[0] * unit, step, size, want.data(), step, phase != 0);
-      ASSERT_TRUE(out.Same(want)) << (rows ? "row " : "col ") << n << " phase " << phase << " inverse";
+      ref_inv(lows.get() + lr[0] * unit, step, highs.get() + hr[0] * unit, step, size, want.data(),
+              step, phase != 0);
+      ASSERT_TRUE(out.Same(want)) << (rows ? "row " : "col ") << n << " phase " << phase
+                                  << " inverse";
     }
 }
 
@@ -296,7 +311,8 @@ void CheckLiftRows(F api, R ref, Rng& rng, int alias = -1, int alias_to = -1) {
     if (alias >= 0) p[alias] = p[alias_to], q[alias] = q[alias_to];
     ASSERT_EQ(std::apply([&](auto... r) { return api(r..., w); }, p), kroStatusOk);
     std::apply([&](auto... r) { ref(r..., w); }, q);
-    for (size_t k = 0; k < K; ++k) ASSERT_TRUE(rows[k].Same(want[k])) << "width " << w << " row " << k;
+    for (size_t k = 0; k < K; ++k)
+      ASSERT_TRUE(rows[k].Same(want[k])) << "width " << w << " row " << k;
   }
 }
 

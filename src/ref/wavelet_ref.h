@@ -208,7 +208,8 @@ inline void Inv53Region(const Src& low, const Src& high, const Dst& y, int w, bo
 // Streaming 5/3 column rows. Each column reads all its inputs before it writes, so
 // pDstHigh may be the row pSrcHighPrev (and any output may alias its own inputs).
 template <class T>
-inline void Fwd53LiftRow(const T* x0, const T* x1, const T* x2, T* low, const T* dprev, T* high, int width) {
+inline void Fwd53LiftRow(const T* x0, const T* x1, const T* x2, T* low, const T* dprev, T* high,
+                         int width) {
   for (int i = 0; i < width; ++i) {
     const T d = Predict53(Ld(x1 + i), Ld(x0 + i), Ld(x2 + i));
     const T s = Update53(Ld(x0 + i), Ld(dprev + i), d);
@@ -217,7 +218,8 @@ inline void Fwd53LiftRow(const T* x0, const T* x1, const T* x2, T* low, const T*
   }
 }
 template <class T>
-inline void Inv53LiftRow(const T* s, const T* dprev, const T* d, const T* xprev, T* odd, T* even, int width) {
+inline void Inv53LiftRow(const T* s, const T* dprev, const T* d, const T* xprev, T* odd, T* even,
+                         int width) {
   for (int i = 0; i < width; ++i) {
     const T dp = Ld(dprev + i);
     const T e = UnUpdate53(Ld(s + i), dp, Ld(d + i));
@@ -283,10 +285,18 @@ struct D97Q14 {
   using Sample = int16_t;
   using Inter = int16_t;
   using Slot = int16_t;
-  static constexpr int32_t Rnd(int32_t c, int32_t a, int32_t b) { return (c * (a + b) + 8192) >> 14; }
-  static constexpr Inter Add(Inter x, Inter a, Inter b, int32_t c) { return static_cast<Inter>(x + Rnd(c, a, b)); }
-  static constexpr Inter Sub(Inter x, Inter a, Inter b, int32_t c) { return static_cast<Inter>(x - Rnd(c, a, b)); }
-  static constexpr Inter Scale(int32_t v, int32_t c) { return static_cast<Inter>((v * c + 8192) >> 14); }
+  static constexpr int32_t Rnd(int32_t c, int32_t a, int32_t b) {
+    return (c * (a + b) + 8192) >> 14;
+  }
+  static constexpr Inter Add(Inter x, Inter a, Inter b, int32_t c) {
+    return static_cast<Inter>(x + Rnd(c, a, b));
+  }
+  static constexpr Inter Sub(Inter x, Inter a, Inter b, int32_t c) {
+    return static_cast<Inter>(x - Rnd(c, a, b));
+  }
+  static constexpr Inter Scale(int32_t v, int32_t c) {
+    return static_cast<Inter>((v * c + 8192) >> 14);
+  }
 
   static constexpr Inter Alpha(Sample x, Sample a, Sample b) { return Add(x, a, b, kAlphaQ14); }
   static constexpr Inter Beta(Sample x, Inter a, Inter b) { return Add(x, a, b, kBetaQ14); }
@@ -340,8 +350,12 @@ struct D97Float32s {
   using Slot = int32_t;
   static constexpr float F(int32_t v) { return static_cast<float>(v); }
 
-  static constexpr Inter Alpha(Sample x, Sample a, Sample b) { return F(x) + F(AddWrap32(a, b)) * kAlpha; }
-  static constexpr Inter Beta(Sample x, Inter a, Inter b) { return D97Float::Add(F(x), a, b, kBeta); }
+  static constexpr Inter Alpha(Sample x, Sample a, Sample b) {
+    return F(x) + F(AddWrap32(a, b)) * kAlpha;
+  }
+  static constexpr Inter Beta(Sample x, Inter a, Inter b) {
+    return D97Float::Add(F(x), a, b, kBeta);
+  }
   static constexpr Inter Gamma(Inter x, Inter a, Inter b) { return D97Float::Gamma(x, a, b); }
   static constexpr Inter Delta(Inter x, Inter a, Inter b) { return D97Float::Delta(x, a, b); }
   static constexpr Sample Low(Inter s) { return SatTrunc32(D97Float::Low(s)); }
@@ -367,11 +381,13 @@ struct Rows97 {
     for (int i = 0; i < w; ++i) St<S>(x + i, A::Put(A::Alpha(Ld(x + i), Ld(a + i), Ld(b + i))));
   }
   static void Beta(S* x, const S* a, const S* b, int w) {
-    for (int i = 0; i < w; ++i) St<S>(x + i, A::Put(A::Beta(Ld(x + i), A::Get(Ld(a + i)), A::Get(Ld(b + i)))));
+    for (int i = 0; i < w; ++i)
+      St<S>(x + i, A::Put(A::Beta(Ld(x + i), A::Get(Ld(a + i)), A::Get(Ld(b + i)))));
   }
   template <typename A::Inter (*kStep)(typename A::Inter, typename A::Inter, typename A::Inter)>
   static void Lift(S* x, const S* a, const S* b, int w) {
-    for (int i = 0; i < w; ++i) St<S>(x + i, A::Put(kStep(A::Get(Ld(x + i)), A::Get(Ld(a + i)), A::Get(Ld(b + i)))));
+    for (int i = 0; i < w; ++i)
+      St<S>(x + i, A::Put(kStep(A::Get(Ld(x + i)), A::Get(Ld(a + i)), A::Get(Ld(b + i)))));
   }
   static void Low(S* x, int w) {
     for (int i = 0; i < w; ++i) St<S>(x + i, A::Low(A::Get(Ld(x + i))));
@@ -519,8 +535,8 @@ inline void Inv97Region(const Src& low, const Src& high, const Dst& y, int w, bo
 
 // 32f: the order of D97Float, the scalings and the folded first inverse step as one
 // more rounded product each.
-inline void Fwd97LiftRowsF(const float* x0, const float* x1, const float* x2, float* lp, float* lc, float* hp2,
-                           float* hp, float* hc, int w) {
+inline void Fwd97LiftRowsF(const float* x0, const float* x1, const float* x2, float* lp, float* lc,
+                           float* hp2, float* hp, float* hc, int w) {
   for (int i = 0; i < w; ++i) St(hc + i, D97Float::Alpha(Ld(x1 + i), Ld(x0 + i), Ld(x2 + i)));
   for (int i = 0; i < w; ++i) St(lc + i, D97Float::Beta(Ld(x0 + i), Ld(hp + i), Ld(hc + i)));
   for (int i = 0; i < w; ++i) St(hp + i, D97Float::Gamma(Ld(hp + i), Ld(lp + i), Ld(lc + i)));
@@ -529,10 +545,12 @@ inline void Fwd97LiftRowsF(const float* x0, const float* x1, const float* x2, fl
   for (int i = 0; i < w; ++i) St(hp2 + i, D97Float::High(Ld(hp2 + i)));
 }
 
-inline void Inv97LiftRowsF(const float* l, const float* hprev, const float* h, float* op, float* oc, float* ep2,
-                           float* ep, float* ec, int w) {
-  for (int i = 0; i < w; ++i) St(ec + i, Ld(l + i) * kK - (Ld(hprev + i) + Ld(h + i)) * kDeltaOverK);
-  for (int i = 0; i < w; ++i) St(oc + i, Ld(hprev + i) * kInvK - (Ld(ep + i) + Ld(ec + i)) * kGamma);
+inline void Inv97LiftRowsF(const float* l, const float* hprev, const float* h, float* op, float* oc,
+                           float* ep2, float* ep, float* ec, int w) {
+  for (int i = 0; i < w; ++i)
+    St(ec + i, Ld(l + i) * kK - (Ld(hprev + i) + Ld(h + i)) * kDeltaOverK);
+  for (int i = 0; i < w; ++i)
+    St(oc + i, Ld(hprev + i) * kInvK - (Ld(ep + i) + Ld(ec + i)) * kGamma);
   for (int i = 0; i < w; ++i) St(ep + i, D97Float::UnBeta(Ld(ep + i), Ld(op + i), Ld(oc + i)));
   for (int i = 0; i < w; ++i) St(op + i, D97Float::UnAlpha(Ld(op + i), Ld(ep2 + i), Ld(ep + i)));
 }
@@ -551,25 +569,32 @@ struct D97Q16 {
   static constexpr T Sub(T x, T a, T b, int32_t c) { return Keep(x - Rnd(c, a, b)); }
   // (v cv - cs (a + b) + 32768) >> 16: a scaled sample less (or plus) a scaled sum.
   static constexpr T Fold(T v, int32_t cv, T a, T b, int32_t cs) {
-    return Keep((static_cast<int64_t>(v) * cv + static_cast<int64_t>(cs) * AddWrap32(a, b) + 32768) >> 16);
+    return Keep(
+        (static_cast<int64_t>(v) * cv + static_cast<int64_t>(cs) * AddWrap32(a, b) + 32768) >> 16);
   }
 };
 
 template <class T>
-inline void Fwd97LiftRowsQ16(const T* x0, const T* x1, const T* x2, T* lp, T* lc, T* hp2, T* hp, T* hc, int w) {
+inline void Fwd97LiftRowsQ16(const T* x0, const T* x1, const T* x2, T* lp, T* lc, T* hp2, T* hp,
+                             T* hc, int w) {
   using Q = D97Q16<T>;
   for (int i = 0; i < w; ++i) St(hc + i, Q::Add(Ld(x1 + i), Ld(x0 + i), Ld(x2 + i), kAlphaQ16));
   for (int i = 0; i < w; ++i) St(lc + i, Q::Add(Ld(x0 + i), Ld(hp + i), Ld(hc + i), kBetaQ16));
   for (int i = 0; i < w; ++i) St(hp + i, Q::Add(Ld(hp + i), Ld(lp + i), Ld(lc + i), kGammaQ16));
-  for (int i = 0; i < w; ++i) St(lp + i, Q::Fold(Ld(lp + i), kInvKQ16, Ld(hp2 + i), Ld(hp + i), kDeltaOverKQ16));
-  for (int i = 0; i < w; ++i) St(hp2 + i, Q::Keep((static_cast<int64_t>(Ld(hp2 + i)) * kKQ16 + 32768) >> 16));
+  for (int i = 0; i < w; ++i)
+    St(lp + i, Q::Fold(Ld(lp + i), kInvKQ16, Ld(hp2 + i), Ld(hp + i), kDeltaOverKQ16));
+  for (int i = 0; i < w; ++i)
+    St(hp2 + i, Q::Keep((static_cast<int64_t>(Ld(hp2 + i)) * kKQ16 + 32768) >> 16));
 }
 
 template <class T>
-inline void Inv97LiftRowsQ16(const T* l, const T* hprev, const T* h, T* op, T* oc, T* ep2, T* ep, T* ec, int w) {
+inline void Inv97LiftRowsQ16(const T* l, const T* hprev, const T* h, T* op, T* oc, T* ep2, T* ep,
+                             T* ec, int w) {
   using Q = D97Q16<T>;
-  for (int i = 0; i < w; ++i) St(ec + i, Q::Fold(Ld(l + i), kKQ16, Ld(hprev + i), Ld(h + i), -kDeltaOverKQ16));
-  for (int i = 0; i < w; ++i) St(oc + i, Q::Fold(Ld(hprev + i), kInvKQ16, Ld(ep + i), Ld(ec + i), -kGammaQ16));
+  for (int i = 0; i < w; ++i)
+    St(ec + i, Q::Fold(Ld(l + i), kKQ16, Ld(hprev + i), Ld(h + i), -kDeltaOverKQ16));
+  for (int i = 0; i < w; ++i)
+    St(oc + i, Q::Fold(Ld(hprev + i), kInvKQ16, Ld(ep + i), Ld(ec + i), -kGammaQ16));
   for (int i = 0; i < w; ++i) St(ep + i, Q::Sub(Ld(ep + i), Ld(op + i), Ld(oc + i), kBetaQ16));
   for (int i = 0; i < w; ++i) St(op + i, Q::Sub(Ld(op + i), Ld(ep2 + i), Ld(ep + i), kAlphaQ16));
 }

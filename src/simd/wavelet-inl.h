@@ -401,30 +401,30 @@ constexpr void (*UnaryFnOf())(S*, size_t) {
 }
 
 template <class T>
-constexpr Scheme<T> kFwd53 = {2, {StepRow<Predict53V<T>, T>, StepRow<Update53V<T>, T>}, {true, false}};
+constexpr Scheme<T> kFwd53 = {
+    2, {StepRow<Predict53V<T>, T>, StepRow<Update53V<T>, T>}, {true, false}};
 template <class T>
-constexpr Scheme<T> kInv53 = {2, {StepRow<UnUpdate53V<T>, T>, StepRow<UnPredict53V<T>, T>}, {false, true}};
+constexpr Scheme<T> kInv53 = {
+    2, {StepRow<UnUpdate53V<T>, T>, StepRow<UnPredict53V<T>, T>}, {false, true}};
 
 template <class S, class St = Steps97<S>>
-constexpr Scheme<S> kFwd97 = {
-    4,
-    {StepRow<typename St::Alpha, S>, StepRow<typename St::Beta, S>, StepRow<typename St::Gamma, S>,
-     StepRow<typename St::Delta, S>},
-    {true, false, true, false},
-    nullptr,
-    nullptr,
-    UnaryFnOf<typename St::Low, S>(),
-    UnaryFnOf<typename St::High, S>()};
+constexpr Scheme<S> kFwd97 = {4,
+                              {StepRow<typename St::Alpha, S>, StepRow<typename St::Beta, S>,
+                               StepRow<typename St::Gamma, S>, StepRow<typename St::Delta, S>},
+                              {true, false, true, false},
+                              nullptr,
+                              nullptr,
+                              UnaryFnOf<typename St::Low, S>(),
+                              UnaryFnOf<typename St::High, S>()};
 template <class S, class St = Steps97<S>>
-constexpr Scheme<S> kInv97 = {
-    4,
-    {StepRow<typename St::UnDelta, S>, StepRow<typename St::UnGamma, S>, StepRow<typename St::UnBeta, S>,
-     StepRow<typename St::UnAlpha, S>},
-    {false, true, false, true},
-    UnaryFnOf<typename St::InvLow, S>(),
-    UnaryFnOf<typename St::InvHigh, S>(),
-    UnaryFnOf<typename St::Out, S>(),
-    UnaryFnOf<typename St::Out, S>()};
+constexpr Scheme<S> kInv97 = {4,
+                              {StepRow<typename St::UnDelta, S>, StepRow<typename St::UnGamma, S>,
+                               StepRow<typename St::UnBeta, S>, StepRow<typename St::UnAlpha, S>},
+                              {false, true, false, true},
+                              UnaryFnOf<typename St::InvLow, S>(),
+                              UnaryFnOf<typename St::InvHigh, S>(),
+                              UnaryFnOf<typename St::Out, S>(),
+                              UnaryFnOf<typename St::Out, S>()};
 
 template <class S>
 HWY_INLINE void ApplyUnary(void (*fn)(S*, size_t), S* x, size_t n) {
@@ -528,8 +528,8 @@ struct PipelineRows {
 inline constexpr int kRing = 8;
 
 template <class S, class Load, class Done>
-void VerticalPipeline(const Scheme<S>& sch, S* img, int step, int w, int n, int p, int ring, Load&& load,
-                      Done&& done) {
+void VerticalPipeline(const Scheme<S>& sch, S* img, int step, int w, int n, int p, int ring,
+                      Load&& load, Done&& done) {
   const PipelineRows<S> row{img, step, n, ring};
   const size_t width = static_cast<size_t>(w);
   int loaded = 0;
@@ -571,7 +571,8 @@ void Fwd2D(const Scheme<S>& sch, S* img, int step, const KroiRect& r, uint8_t* b
     for (int y = 0; y < h; ++y) horizontal(y);
     return;
   }
-  VerticalPipeline(sch, img, step, w, h, py, 0, [](int, S*) {}, [&](int y, S*) { horizontal(y); });
+  VerticalPipeline(
+      sch, img, step, w, h, py, 0, [](int, S*) {}, [&](int y, S*) { horizontal(y); });
   MoveRows(img, step, w, h, py, true, buf);
 }
 
@@ -593,7 +594,8 @@ void Inv2D(const Scheme<S>& sch, S* img, int step, const KroiRect& r, uint8_t* b
     return;
   }
   MoveRows(img, step, w, h, py, false, buf);
-  VerticalPipeline(sch, img, step, w, h, py, 0, [&](int y, S*) { horizontal(y); }, [](int, S*) {});
+  VerticalPipeline(
+      sch, img, step, w, h, py, 0, [&](int y, S*) { horizontal(y); }, [](int, S*) {});
 }
 
 // One 2D level between an image and four bands in a single pass down the tile: the
@@ -604,8 +606,8 @@ void Inv2D(const Scheme<S>& sch, S* img, int step, const KroiRect& r, uint8_t* b
 // horizontally as the pipeline loads it, and stores each finished row. Tiles the
 // pipeline or the split form does not take go through the whole working image.
 template <class S, class Line, Transform2D<S> kLevel>
-void FwdBands(const Scheme<S>& sch, const S* src, int src_step, S* const* band, const int* band_step,
-              const KroiRect& r, uint8_t* buf) {
+void FwdBands(const Scheme<S>& sch, const S* src, int src_step, S* const* band,
+              const int* band_step, const KroiRect& r, uint8_t* buf) {
   const int w = r.width, h = r.height, px = r.x & 1, py = r.y & 1;
   if (w < Line::kSplitMin || h < Line::kSplitMin || h > kMaxRowMoves) {
     FwdBandsThroughImage<S, kLevel>(src, src_step, band, band_step, r, buf);
@@ -625,8 +627,8 @@ void FwdBands(const Scheme<S>& sch, const S* src, int src_step, S* const* band, 
 }
 
 template <class S, class Line, Transform2D<S> kLevel>
-void InvBands(const Scheme<S>& sch, const S* const* band, const int* band_step, S* dst, int dst_step,
-              const KroiRect& r, uint8_t* buf) {
+void InvBands(const Scheme<S>& sch, const S* const* band, const int* band_step, S* dst,
+              int dst_step, const KroiRect& r, uint8_t* buf) {
   const int w = r.width, h = r.height, px = r.x & 1, py = r.y & 1;
   if (w < Line::kSplitMin || h < Line::kSplitMin || h > kMaxRowMoves) {
     InvBandsThroughImage<S, kLevel>(band, band_step, dst, dst_step, r, buf);
@@ -723,7 +725,8 @@ HWY_INLINE void Fwd53Strip(const Src& x, const Dst& low, const Dst& high, int w,
     high.Set(k + 1, d);
     dprev = d;
   }
-  low.Set(w - 1, Op::Update(x[2 * w - 1], dprev, Op::Predict(x[2 * w], x[2 * w - 1], x[2 * w + 1])));
+  low.Set(w - 1,
+          Op::Update(x[2 * w - 1], dprev, Op::Predict(x[2 * w], x[2 * w - 1], x[2 * w + 1])));
 }
 
 template <class Op, class Src, class Dst>
@@ -778,8 +781,8 @@ template <class A, class Src, class Dst>
 HWY_INLINE void Inv97Strip(const Src& low, const Src& high, const Dst& y, int w, bool phase) {
   using I = typename A::Inter;
   const int o = phase ? 1 : 0;
-  I d2_a = A::InvHigh(high[-2]), s1_a = hn::Zero(typename A::D()), s1_b = s1_a, d1_a = s1_a, d1_b = s1_a,
-    xe_a = s1_a, xe_b = s1_a;
+  I d2_a = A::InvHigh(high[-2]), s1_a = hn::Zero(typename A::D()), s1_b = s1_a, d1_a = s1_a,
+    d1_b = s1_a, xe_a = s1_a, xe_b = s1_a;
   for (int e = -2; e <= 2 * w + 2; e += 2) {
     const I d2_b = A::InvHigh(high[e / 2]);
     s1_a = s1_b;
@@ -801,12 +804,14 @@ HWY_INLINE void Inv97Strip(const Src& low, const Src& high, const Dst& y, int w,
 // Kernel: Fwd(src_line, low_line, high_line, n, phase), Inv(low_line, high_line,
 // dst_line, n, phase) for either strip lines (vectors) or one reference column.
 template <class Kernel, class S>
-void FwdCols(const S* src, int src_step, S* low, int low_step, S* high, int high_step, KroiSize size, bool phase) {
+void FwdCols(const S* src, int src_step, S* low, int low_step, S* high, int high_step,
+             KroiSize size, bool phase) {
   const size_t lanes = hn::Lanes(hn::ScalableTag<S>());
   size_t x = 0;
   for (; x + lanes <= static_cast<size_t>(size.width); x += lanes) {
-    Kernel::template Fwd<true>(StripLine<const S>{src + x, src_step}, StripLine<S>{low + x, low_step},
-                               StripLine<S>{high + x, high_step}, size.height, phase);
+    Kernel::template Fwd<true>(StripLine<const S>{src + x, src_step},
+                               StripLine<S>{low + x, low_step}, StripLine<S>{high + x, high_step},
+                               size.height, phase);
   }
   for (; x < static_cast<size_t>(size.width); ++x) {
     Kernel::template Fwd<false>(Strided<const S>{src + x, src_step}, Strided<S>{low + x, low_step},
@@ -814,16 +819,18 @@ void FwdCols(const S* src, int src_step, S* low, int low_step, S* high, int high
   }
 }
 template <class Kernel, class S>
-void InvCols(const S* low, int low_step, const S* high, int high_step, KroiSize size, S* dst, int dst_step,
-             bool phase) {
+void InvCols(const S* low, int low_step, const S* high, int high_step, KroiSize size, S* dst,
+             int dst_step, bool phase) {
   const size_t lanes = hn::Lanes(hn::ScalableTag<S>());
   size_t x = 0;
   for (; x + lanes <= static_cast<size_t>(size.width); x += lanes) {
-    Kernel::template Inv<true>(StripLine<const S>{low + x, low_step}, StripLine<const S>{high + x, high_step},
+    Kernel::template Inv<true>(StripLine<const S>{low + x, low_step},
+                               StripLine<const S>{high + x, high_step},
                                StripLine<S>{dst + x, dst_step}, size.height, phase);
   }
   for (; x < static_cast<size_t>(size.width); ++x) {
-    Kernel::template Inv<false>(Strided<const S>{low + x, low_step}, Strided<const S>{high + x, high_step},
+    Kernel::template Inv<false>(Strided<const S>{low + x, low_step},
+                                Strided<const S>{high + x, high_step},
                                 Strided<S>{dst + x, dst_step}, size.height, phase);
   }
 }
@@ -927,8 +934,10 @@ void FwdRowChunks(const Scheme<S>& sch, const S* x, S* low, S* high, int w, int 
     const int c = w - k0 < kChunk ? w - k0 : kChunk;
     const SplitPlan<S> plan(sch, {o, c - 1 + o}, {0, c - 1});
     // Positions u of the raw samples, relative to the chunk (u = 2 k0 is 0).
-    const int u_lo = 2 * plan.raw_e.lo < 2 * plan.raw_o.lo + 1 ? 2 * plan.raw_e.lo : 2 * plan.raw_o.lo + 1;
-    const int u_hi = 2 * plan.raw_e.hi > 2 * plan.raw_o.hi + 1 ? 2 * plan.raw_e.hi : 2 * plan.raw_o.hi + 1;
+    const int u_lo =
+        2 * plan.raw_e.lo < 2 * plan.raw_o.lo + 1 ? 2 * plan.raw_e.lo : 2 * plan.raw_o.lo + 1;
+    const int u_hi =
+        2 * plan.raw_e.hi > 2 * plan.raw_o.hi + 1 ? 2 * plan.raw_e.hi : 2 * plan.raw_o.hi + 1;
     const int base = (u_lo - 1) >> 1;  // the lowest index either half uses
     S* E = e_buf - base;
     S* O = o_buf - base;
@@ -974,19 +983,19 @@ void InvRowChunks(const Scheme<S>& sch, const S* low, const S* high, S* y, int w
 }
 
 template <class S>
-void FwdRows(const Scheme<S>& sch, const S* src, int src_step, S* low, int low_step, S* high, int high_step,
-             KroiSize size, bool phase) {
+void FwdRows(const Scheme<S>& sch, const S* src, int src_step, S* low, int low_step, S* high,
+             int high_step, KroiSize size, bool phase) {
   for (int y = 0; y < size.height; ++y) {
-    FwdRowChunks(sch, RowPtr(src, src_step, y), RowPtr(low, low_step, y), RowPtr(high, high_step, y), size.width,
-                 phase ? 1 : 0);
+    FwdRowChunks(sch, RowPtr(src, src_step, y), RowPtr(low, low_step, y),
+                 RowPtr(high, high_step, y), size.width, phase ? 1 : 0);
   }
 }
 template <class S>
-void InvRows(const Scheme<S>& sch, const S* low, int low_step, const S* high, int high_step, KroiSize size, S* dst,
-             int dst_step, bool phase) {
+void InvRows(const Scheme<S>& sch, const S* low, int low_step, const S* high, int high_step,
+             KroiSize size, S* dst, int dst_step, bool phase) {
   for (int y = 0; y < size.height; ++y) {
-    InvRowChunks(sch, RowPtr(low, low_step, y), RowPtr(high, high_step, y), RowPtr(dst, dst_step, y), size.width,
-                 phase ? 1 : 0);
+    InvRowChunks(sch, RowPtr(low, low_step, y), RowPtr(high, high_step, y),
+                 RowPtr(dst, dst_step, y), size.width, phase ? 1 : 0);
   }
 }
 
@@ -996,7 +1005,8 @@ void InvRows(const Scheme<S>& sch, const S* low, int low_step, const S* high, in
 // 5/3: per column, every input is loaded before either output is stored, so the
 // high row may be the previous high row.
 template <class T>
-void Fwd53LiftSimd(const T* x0, const T* x1, const T* x2, T* low, const T* dprev, T* high, int width) {
+void Fwd53LiftSimd(const T* x0, const T* x1, const T* x2, T* low, const T* dprev, T* high,
+                   int width) {
   const hn::ScalableTag<T> d;
   const size_t lanes = hn::Lanes(d), w = static_cast<size_t>(width);
   size_t i = 0;
@@ -1007,10 +1017,12 @@ void Fwd53LiftSimd(const T* x0, const T* x1, const T* x2, T* low, const T* dprev
     hn::StoreU(dv, d, high + i);
     hn::StoreU(sv, d, low + i);
   }
-  ref::Fwd53LiftRow(x0 + i, x1 + i, x2 + i, low + i, dprev + i, high + i, width - static_cast<int>(i));
+  ref::Fwd53LiftRow(x0 + i, x1 + i, x2 + i, low + i, dprev + i, high + i,
+                    width - static_cast<int>(i));
 }
 template <class T>
-void Inv53LiftSimd(const T* s, const T* dprev, const T* dcur, const T* xprev, T* odd, T* even, int width) {
+void Inv53LiftSimd(const T* s, const T* dprev, const T* dcur, const T* xprev, T* odd, T* even,
+                   int width) {
   const hn::ScalableTag<T> d;
   const size_t lanes = hn::Lanes(d), w = static_cast<size_t>(width);
   size_t i = 0;
@@ -1021,7 +1033,8 @@ void Inv53LiftSimd(const T* s, const T* dprev, const T* dcur, const T* xprev, T*
     hn::StoreU(e, d, even + i);
     hn::StoreU(o, d, odd + i);
   }
-  ref::Inv53LiftRow(s + i, dprev + i, dcur + i, xprev + i, odd + i, even + i, width - static_cast<int>(i));
+  ref::Inv53LiftRow(s + i, dprev + i, dcur + i, xprev + i, odd + i, even + i,
+                    width - static_cast<int>(i));
 }
 
 // 9/7 32f: v cv - (a + b) cs, each product and the difference rounded (the first
@@ -1064,12 +1077,15 @@ struct AddQ16V {
       return kAdd ? hn::Add(x, t) : hn::Sub(x, t);
     } else {
       return Widen16(d, x, a, b, [](auto d32, auto x32, auto a32, auto b32) {
-        const auto t = hn::ShiftRight<16>(hn::Add(hn::Mul(hn::Add(a32, b32), hn::Set(d32, kC)), hn::Set(d32, 32768)));
+        const auto t = hn::ShiftRight<16>(
+            hn::Add(hn::Mul(hn::Add(a32, b32), hn::Set(d32, kC)), hn::Set(d32, 32768)));
         return kAdd ? hn::Add(x32, t) : hn::Sub(x32, t);
       });
     }
   }
-  static S One(S x, S a, S b) { return kAdd ? ref::D97Q16<S>::Add(x, a, b, kC) : ref::D97Q16<S>::Sub(x, a, b, kC); }
+  static S One(S x, S a, S b) {
+    return kAdd ? ref::D97Q16<S>::Add(x, a, b, kC) : ref::D97Q16<S>::Sub(x, a, b, kC);
+  }
 };
 template <class S, int32_t kCv, int32_t kCs>
 struct FoldQ16V {
@@ -1079,7 +1095,8 @@ struct FoldQ16V {
       return FoldQ16Lanes<true>(d, v, kCv, hn::Add(a, b), kCs);
     } else {
       return Widen16(d, v, a, b, [](auto d32, auto v32, auto a32, auto b32) {
-        const auto p = hn::Add(hn::Mul(v32, hn::Set(d32, kCv)), hn::Mul(hn::Add(a32, b32), hn::Set(d32, kCs)));
+        const auto p =
+            hn::Add(hn::Mul(v32, hn::Set(d32, kCv)), hn::Mul(hn::Add(a32, b32), hn::Set(d32, kCs)));
         return hn::ShiftRight<16>(hn::Add(p, hn::Set(d32, 32768)));
       });
     }
@@ -1088,7 +1105,8 @@ struct FoldQ16V {
 };
 
 template <class S>
-void Fwd97LiftSimd(const S* x0, const S* x1, const S* x2, S* lp, S* lc, S* hp2, S* hp, S* hc, int width) {
+void Fwd97LiftSimd(const S* x0, const S* x1, const S* x2, S* lp, S* lc, S* hp2, S* hp, S* hc,
+                   int width) {
   const size_t w = static_cast<size_t>(width);
   if constexpr (std::is_same_v<S, float>) {
     StepRow<StepFV<ref::kAlpha, true>>(hc, x1, x0, x2, w);
@@ -1107,7 +1125,8 @@ void Fwd97LiftSimd(const S* x0, const S* x1, const S* x2, S* lp, S* lc, S* hp2, 
 }
 
 template <class S>
-void Inv97LiftSimd(const S* l, const S* hprev, const S* h, S* op, S* oc, S* ep2, S* ep, S* ec, int width) {
+void Inv97LiftSimd(const S* l, const S* hprev, const S* h, S* op, S* oc, S* ep2, S* ep, S* ec,
+                   int width) {
   const size_t w = static_cast<size_t>(width);
   if constexpr (std::is_same_v<S, float>) {
     StepRow<FoldFV<ref::kK, ref::kDeltaOverK>>(ec, l, hprev, h, w);
