@@ -225,10 +225,9 @@ class FastSink {
   }
   // The code of sym followed by the low nbits (0..16) of extra.
   HWY_INLINE KroStatus Symbol(const EncSpec* t, int sym, uint32_t extra, int nbits) {
-    if (sym > 255) return kroStatusJPEGHuffTableError;
-    const uint32_t e = t->entry[sym];
+    const uint32_t e = t->entry[sym & 255];
     const uint32_t len = e >> 16;
-    if (len - 1 > 15) return kroStatusJPEGHuffTableError;  // no code
+    if ((len - 1 > 15) | (sym > 255)) return kroStatusJPEGHuffTableError;  // no code
     Put((LowBits(e, static_cast<int>(len)) << nbits) | LowBits(extra, nbits), static_cast<int>(len) + nbits);
     return kroStatusOk;
   }
@@ -238,14 +237,20 @@ class FastSink {
   }
   void Finish() {
     int n = 64 - free_;
-    if (n >= 32) {
-      const uint32_t w = static_cast<uint32_t>(buf_ >> (n - 32));
-      if (NoFF(w)) {
-        const uint32_t be = __builtin_bswap32(w);
-        memcpy(p_, &be, 4);
-        p_ += 4;
-        last_ = w & 0xFF;
-        n -= 32;
+    const int whole = n >> 3;
+    if (whole >= 4) {
+      // 4 to 8 whole bytes: two four-byte stores that may overlap, when none is 0xFF.
+      const uint64_t top = buf_ << (64 - n);  // the whole bytes first
+      const uint64_t inv = ~top | (whole == 8 ? 0 : ~uint64_t{0} >> (8 * whole));
+      if (((inv - 0x0101010101010101u) & ~inv & 0x8080808080808080u) == 0) {
+        const uint32_t head = __builtin_bswap32(static_cast<uint32_t>(top >> 32));
+        const uint32_t tail = static_cast<uint32_t>(buf_ >> (n - 8 * whole));
+        const uint32_t tail_be = __builtin_bswap32(tail);
+        memcpy(p_, &head, 4);
+        memcpy(p_ + whole - 4, &tail_be, 4);
+        p_ += whole;
+        last_ = tail & 0xFF;
+        n -= 8 * whole;
       }
     }
     for (; n >= 8; n -= 8) Byte(static_cast<uint8_t>(buf_ >> (n - 8)));
