@@ -1,35 +1,73 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // 8x8 forward and inverse DCT, alone and combined with quantisation and level
-// shift, and the zig-zag reorderings.
+// shift, and the zig-zag reorderings. The block kernels are compiled per SIMD
+// target (simd/dct-inl.h) and chosen at each call.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "dct.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+
+#include "simd/dct-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace kro {
+namespace HWY_NAMESPACE {
+
+void FwdDctBlock(const int16_t* src, int16_t* dst) { FwdDctBlockSimd(src, dst); }
+void InvDctBlock(const int16_t* src, int16_t* dst) { InvDctBlockSimd(src, dst); }
+void FwdDctQuantBlock(const int16_t* src, int16_t* dst, const uint16_t* recip) {
+  FwdDctQuantBlockSimd(src, dst, recip);
+}
+void FwdDctQuantLSBlock(const uint8_t* src, int step, int16_t* dst, const uint16_t* recip) {
+  FwdDctQuantLSBlockSimd(src, step, dst, recip);
+}
+void InvDctDequantBlock(const int16_t* src, int16_t* dst, const uint16_t* steps) {
+  InvDctDequantBlockSimd(src, dst, steps);
+}
+void InvDctDequantLSBlock(const int16_t* src, uint8_t* dst, int step, const uint16_t* steps) {
+  InvDctDequantLSBlockSimd(src, dst, step, steps);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 #include "kro_checks.h"
-#include "pjls.h"
 #include "ref/dct_ref.h"
-#include "ref/quant_ref.h"
 
 namespace kro {
+
+HWY_EXPORT(FwdDctBlock);
+HWY_EXPORT(InvDctBlock);
+HWY_EXPORT(FwdDctQuantBlock);
+HWY_EXPORT(FwdDctQuantLSBlock);
+HWY_EXPORT(InvDctDequantBlock);
+HWY_EXPORT(InvDctDequantLSBlock);
+
 namespace {
 
-// The block transforms every exported function goes through; a vector version of
-// the passes replaces these two bodies.
-void FwdDctBlock(const Kro16s* src, Kro16s* dst) { ref::FwdDct8x8(src, dst); }
-void InvDctBlock(const Kro16s* src, Kro16s* dst) { ref::InvDct8x8(src, dst); }
+// The level shifts of the LS forms are done by the block kernels themselves, on
+// the 8x8 region in registers, rather than through the region kernels of
+// pjencls.cpp and pjdecls.cpp: the arithmetic is the same and a block needs no
+// row loop.
 
-// The 8x8 regions of the LS functions are handed to the level-shift kernels as
-// contiguous blocks with rows of 16 bytes.
-constexpr int kBlockStep = 8 * sizeof(Kro16s);
-constexpr KroiSize kBlockSize = {8, 8};
-
-template <void (*kTransform)(const Kro16s*, Kro16s*)>
-KroStatus Dct(const Kro16s* src, Kro16s* dst) {
+KroStatus DctFwd(const Kro16s* src, Kro16s* dst) {
   if (AnyNull(src, dst)) return kroStatusNullPointer;
-  kTransform(src, dst);
+  HWY_DYNAMIC_DISPATCH(FwdDctBlock)(src, dst);
+  return kroStatusOk;
+}
+
+KroStatus DctInv(const Kro16s* src, Kro16s* dst) {
+  if (AnyNull(src, dst)) return kroStatusNullPointer;
+  HWY_DYNAMIC_DISPATCH(InvDctBlock)(src, dst);
   return kroStatusOk;
 }
 
 KroStatus DctQuantFwd(const Kro16s* src, Kro16s* dst, const Kro16u* recip) {
   if (AnyNull(src, dst, recip)) return kroStatusNullPointer;
-  FwdDctBlock(src, dst);
-  ref::QuantFwdBlock(dst, recip);
+  HWY_DYNAMIC_DISPATCH(FwdDctQuantBlock)(src, dst, recip);
   return kroStatusOk;
 }
 
@@ -37,16 +75,13 @@ KroStatus DctQuantFwdLS(const Kro8u* src, int src_step, Kro16s* dst, const Kro16
   if (AnyNull(src, dst)) return kroStatusNullPointer;
   if (BadStep(src_step)) return kroStatusBadStep;
   if (AnyNull(recip)) return kroStatusNullPointer;
-  ownpj_Sub128_JPEG_8u16s_C1R(src, src_step, dst, kBlockStep, kBlockSize);
-  FwdDctBlock(dst, dst);
-  ref::QuantFwdBlock(dst, recip);
+  HWY_DYNAMIC_DISPATCH(FwdDctQuantLSBlock)(src, src_step, dst, recip);
   return kroStatusOk;
 }
 
 KroStatus DctQuantInv(const Kro16s* src, Kro16s* dst, const Kro16u* steps) {
   if (AnyNull(src, dst, steps)) return kroStatusNullPointer;
-  ref::QuantInvBlock(src, steps, dst);
-  InvDctBlock(dst, dst);
+  HWY_DYNAMIC_DISPATCH(InvDctDequantBlock)(src, dst, steps);
   return kroStatusOk;
 }
 
@@ -54,10 +89,7 @@ KroStatus DctQuantInvLS(const Kro16s* src, Kro8u* dst, int dst_step, const Kro16
   if (AnyNull(src, dst)) return kroStatusNullPointer;
   if (BadStep(dst_step)) return kroStatusBadStep;
   if (AnyNull(steps)) return kroStatusNullPointer;
-  alignas(32) Kro16s block[64];
-  ref::QuantInvBlock(src, steps, block);
-  InvDctBlock(block, block);
-  ownpj_Add128_JPEG_16s8u_C1R(block, kBlockStep, dst, dst_step, kBlockSize);
+  HWY_DYNAMIC_DISPATCH(InvDctDequantLSBlock)(src, dst, dst_step, steps);
   return kroStatusOk;
 }
 
@@ -77,19 +109,19 @@ KroStatus Zigzag(const Kro16s* src, Kro16s* dst) {
 }  // namespace kro
 
 KRO_EXPORT KroStatus kroiDCT8x8Fwd_16s_C1(const Kro16s* pSrc, Kro16s* pDst) {
-  return kro::Dct<kro::FwdDctBlock>(pSrc, pDst);
+  return kro::DctFwd(pSrc, pDst);
 }
 
 KRO_EXPORT KroStatus kroiDCT8x8Fwd_16s_C1I(Kro16s* pSrcDst) {
-  return kro::Dct<kro::FwdDctBlock>(pSrcDst, pSrcDst);
+  return kro::DctFwd(pSrcDst, pSrcDst);
 }
 
 KRO_EXPORT KroStatus kroiDCT8x8Inv_16s_C1(const Kro16s* pSrc, Kro16s* pDst) {
-  return kro::Dct<kro::InvDctBlock>(pSrc, pDst);
+  return kro::DctInv(pSrc, pDst);
 }
 
 KRO_EXPORT KroStatus kroiDCT8x8Inv_16s_C1I(Kro16s* pSrcDst) {
-  return kro::Dct<kro::InvDctBlock>(pSrcDst, pSrcDst);
+  return kro::DctInv(pSrcDst, pSrcDst);
 }
 
 KRO_EXPORT KroStatus kroiDCTQuantFwd8x8_JPEG_16s_C1(const Kro16s* pSrc, Kro16s* pDst,
@@ -131,3 +163,4 @@ KRO_EXPORT KroStatus kroiZigzagFwd8x8_16s_C1(const Kro16s* pSrc, Kro16s* pDst) {
 KRO_EXPORT KroStatus kroiZigzagInv8x8_16s_C1(const Kro16s* pSrc, Kro16s* pDst) {
   return kro::Zigzag<false>(pSrc, pDst);
 }
+#endif  // HWY_ONCE

@@ -1,12 +1,37 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // JPEG quantisation tables (quality scaling, forward reciprocal and inverse step
-// tables in natural order) and block quantisation and dequantisation.
+// tables in natural order) and block quantisation and dequantisation; the block
+// kernels are compiled per SIMD target (simd/dct-inl.h) and chosen at each call.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "quantisation.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+
+#include "simd/dct-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace kro {
+namespace HWY_NAMESPACE {
+
+void QuantFwdBlock(int16_t* block, const uint16_t* recip) { QuantFwdBlockSimd(block, recip); }
+void QuantInvBlock(int16_t* block, const uint16_t* steps) { QuantInvBlockSimd(block, steps); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 #include "kro_checks.h"
 #include "ref/dct_ref.h"
 #include "ref/quant_ref.h"
 #include "ref/signal_ref.h"
 
 namespace kro {
+
+HWY_EXPORT(QuantFwdBlock);
+HWY_EXPORT(QuantInvBlock);
+
 namespace {
 
 // The raw steps come in zig-zag order as bytes; the working tables are 16-bit and
@@ -43,13 +68,13 @@ KroStatus QuantInvTableInit(const Kro8u* raw, Kro16u* table) {
 
 KroStatus QuantFwd(Kro16s* block, const Kro16u* table) {
   if (AnyNull(block, table)) return kroStatusNullPointer;
-  ref::QuantFwdBlock(block, table);
+  HWY_DYNAMIC_DISPATCH(QuantFwdBlock)(block, table);
   return kroStatusOk;
 }
 
 KroStatus QuantInv(Kro16s* block, const Kro16u* table) {
   if (AnyNull(block, table)) return kroStatusNullPointer;
-  ref::QuantInvBlock(block, table, block);
+  HWY_DYNAMIC_DISPATCH(QuantInvBlock)(block, table);
   return kroStatusOk;
 }
 
@@ -77,3 +102,4 @@ KRO_EXPORT KroStatus kroiQuantFwd8x8_JPEG_16s_C1I(Kro16s* pSrcDst, const Kro16u*
 KRO_EXPORT KroStatus kroiQuantInv8x8_JPEG_16s_C1I(Kro16s* pSrcDst, const Kro16u* pQuantInvTable) {
   return kro::QuantInv(pSrcDst, pQuantInvTable);
 }
+#endif  // HWY_ONCE

@@ -95,6 +95,12 @@ const int32_t zigzag_index_Inv[64] = {
     58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63,
 };
 
+alignas(32) constinit const std::array<std::array<int32_t, 8>, kDctLaneCount> dct_lane_constants = [] {
+  std::array<std::array<int32_t, 8>, kDctLaneCount> t{};
+  for (int i = 0; i < kDctLaneCount; ++i) t[i].fill(kDctLaneValues[i]);
+  return t;
+}();
+
 // ---- Colour conversion and sampling ----
 
 namespace colour_detail {

@@ -33,6 +33,21 @@ extern const std::array<std::array<uint64_t, 256>, 8> kZigZagRowBits;
 extern const int32_t zigzag_index_Fwd[64];
 extern const int32_t zigzag_index_Inv[64];
 
+// The SIMD block kernels' multipliers and addends, each repeated on 8 lanes. They
+// live out of line on purpose: with the values in sight the compiler rebuilds each
+// vector from an immediate at every call (three instructions), while a load from
+// here is one, usually folded into the multiply.
+inline constexpr int32_t kDctLaneValues[] = {
+    17734, 25080, -60547, 46341, 799,   3218, -4816, 3406,  -1130,   -5681,  27246, -9041,
+    -45451, 6393, 25746, -38531, 5793, 1,    32,    2048,  1 << 20, 16383, -32768, 32767};
+inline constexpr int kDctLaneCount = sizeof(kDctLaneValues) / sizeof(kDctLaneValues[0]);
+alignas(32) extern const std::array<std::array<int32_t, 8>, kDctLaneCount> dct_lane_constants;
+constexpr int DctLaneIndex(int32_t value) {
+  for (int i = 0; i < kDctLaneCount; ++i)
+    if (kDctLaneValues[i] == value) return i;
+  return -1;
+}
+
 // ---- Colour conversion and sampling ----
 
 // YCbCr -> RGB, indexed by an 8-bit chroma sample c with d = c - 128 (T.871 7):

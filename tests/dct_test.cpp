@@ -11,6 +11,7 @@
 
 #include "kroj.h"
 #include "ref/dct_ref.h"
+#include "ref/quant_ref.h"
 #include "simd_test_util.h"
 #include "test_util.h"
 
@@ -21,33 +22,40 @@ using kro_test::Rng;
 using kro_test::ScopedThreads;
 using Block = std::array<Kro16s, 64>;
 
-// Double-precision T.81 A.3.3 transforms; index 8 * row + column, the row being the
-// vertical frequency.
-double Basis(int u, int x) { return cos((2 * x + 1) * u * M_PI / 16) * (u == 0 ? M_SQRT1_2 : 1.0); }
+// Double-precision T.81 A.3.3 transforms, separable; index 8 * row + column, the row
+// being the vertical frequency. kCos[u][x] = C(u) cos((2x + 1) u pi / 16) / 2.
+struct Cosines {
+  double c[8][8];
+  Cosines() {
+    for (int u = 0; u < 8; ++u)
+      for (int x = 0; x < 8; ++x) c[u][x] = cos((2 * x + 1) * u * M_PI / 16) / (u ? 2 : 2 * M_SQRT2);
+  }
+};
+const Cosines kCos;
 
-std::array<double, 64> TrueFdct(const double* f) {
-  std::array<double, 64> out{};
-  for (int v = 0; v < 8; ++v)
-    for (int u = 0; u < 8; ++u) {
+// out[8a + b] = sum over i, j of in[8i + j] * m[a][i] * m[b][j] (m = c for the forward
+// transform, its transpose for the inverse one).
+template <bool kInverse>
+std::array<double, 64> Separable(const double* in) {
+  auto m = [](int a, int i) { return kInverse ? kCos.c[i][a] : kCos.c[a][i]; };
+  double tmp[64];
+  for (int i = 0; i < 8; ++i)
+    for (int b = 0; b < 8; ++b) {
       double s = 0;
-      for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x) s += f[8 * y + x] * Basis(v, y) * Basis(u, x);
-      out[8 * v + u] = s / 4;
+      for (int j = 0; j < 8; ++j) s += in[8 * i + j] * m(b, j);
+      tmp[8 * i + b] = s;
+    }
+  std::array<double, 64> out{};
+  for (int a = 0; a < 8; ++a)
+    for (int b = 0; b < 8; ++b) {
+      double s = 0;
+      for (int i = 0; i < 8; ++i) s += tmp[8 * i + b] * m(a, i);
+      out[8 * a + b] = s;
     }
   return out;
 }
-
-std::array<double, 64> TrueIdct(const double* F) {
-  std::array<double, 64> out{};
-  for (int y = 0; y < 8; ++y)
-    for (int x = 0; x < 8; ++x) {
-      double s = 0;
-      for (int v = 0; v < 8; ++v)
-        for (int u = 0; u < 8; ++u) s += F[8 * v + u] * Basis(v, y) * Basis(u, x);
-      out[8 * y + x] = s / 4;
-    }
-  return out;
-}
+std::array<double, 64> TrueFdct(const double* f) { return Separable<false>(f); }
+std::array<double, 64> TrueIdct(const double* F) { return Separable<true>(F); }
 
 Block Fdct(const Block& in) {
   Block out;
@@ -266,67 +274,6 @@ TEST(Dct, ZigzagOrder) {
   EXPECT_EQ(back, nat);
 }
 
-std::array<Kro16u, 64> RandomTable(Rng& rng, int lo, int hi) {
-  std::array<Kro16u, 64> t;
-  rng.Fill(t.data(), 64, lo, hi);
-  return t;
-}
-
-// The combined block functions equal the chain of the single ones, in place and not.
-TEST(Dct, CombinedEqualsChain) {
-  Rng rng(5);
-  for (int n = 0; n < 500; ++n) {
-    const auto recip = RandomTable(rng, 1, 65535);
-    const auto steps = RandomTable(rng, 1, n % 2 ? 255 : 32767);
-    Block b;
-    rng.Fill(b.data(), 64, n % 3 ? -2048 : -32768, n % 3 ? 2047 : 32767);
-
-    Block chain = Fdct(b);
-    ASSERT_EQ(kroiQuantFwd8x8_JPEG_16s_C1I(chain.data(), recip.data()), kroStatusOk);
-    Block out, inplace = b;
-    ASSERT_EQ(kroiDCTQuantFwd8x8_JPEG_16s_C1(b.data(), out.data(), recip.data()), kroStatusOk);
-    ASSERT_EQ(kroiDCTQuantFwd8x8_JPEG_16s_C1I(inplace.data(), recip.data()), kroStatusOk);
-    EXPECT_EQ(out, chain);
-    EXPECT_EQ(inplace, chain);
-    inplace = b;
-    ASSERT_EQ(kroiDCT8x8Fwd_16s_C1I(inplace.data()), kroStatusOk);
-    EXPECT_EQ(inplace, Fdct(b));
-
-    chain = b;
-    ASSERT_EQ(kroiQuantInv8x8_JPEG_16s_C1I(chain.data(), steps.data()), kroStatusOk);
-    chain = Idct(chain);
-    const Block src = b;
-    inplace = b;
-    ASSERT_EQ(kroiDCTQuantInv8x8_JPEG_16s_C1(src.data(), out.data(), steps.data()), kroStatusOk);
-    ASSERT_EQ(kroiDCTQuantInv8x8_JPEG_16s_C1I(inplace.data(), steps.data()), kroStatusOk);
-    EXPECT_EQ(out, chain);
-    EXPECT_EQ(inplace, chain);
-    EXPECT_EQ(src, b);
-    inplace = b;
-    ASSERT_EQ(kroiDCT8x8Inv_16s_C1I(inplace.data()), kroStatusOk);
-    EXPECT_EQ(inplace, Idct(b));
-
-    // LS forms: 8-bit regions with a padded, odd step; guard bytes stay intact.
-    GuardedImage<Kro8u> px(8, 8, 1, 5);
-    px.FillRandom(rng, 0, 255);
-    Block shifted;
-    for (int i = 0; i < 64; ++i) shifted[i] = static_cast<Kro16s>(px.at(i % 8, i / 8) - 128);
-    Block expect = Fdct(shifted);
-    ASSERT_EQ(kroiQuantFwd8x8_JPEG_16s_C1I(expect.data(), recip.data()), kroStatusOk);
-    ASSERT_EQ(kroiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(px.data(), px.step(), out.data(), recip.data()),
-              kroStatusOk);
-    EXPECT_EQ(out, expect);
-
-    GuardedImage<Kro8u> dst(8, 8, 1, 7);
-    ASSERT_EQ(kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(src.data(), dst.data(), dst.step(), steps.data()),
-              kroStatusOk);
-    for (int i = 0; i < 64; ++i)
-      ASSERT_EQ(dst.at(i % 8, i / 8), std::clamp(chain[i] + 128, 0, 255)) << i;
-    EXPECT_TRUE(dst.IntactOutside());
-    EXPECT_EQ(src, b);
-  }
-}
-
 // Rows split over threads give the formula's result whatever the thread count, on
 // both sides of the 8193-sample threshold, with padded steps (odd ones for bytes).
 TEST(LevelShift, ParallelRowsMatchSerial) {
@@ -355,9 +302,100 @@ TEST(LevelShift, ParallelRowsMatchSerial) {
 }  // namespace
 
 // ---------------------------------------------------------------------------
-// Level-shift rows on every SIMD target against the reference rows.
+// Every SIMD target against the reference kernels: the block functions alone, in
+// place and combined (the reference chains are the single functions run in turn),
+// and the level-shift rows.
 
 namespace {
+
+namespace ref = kro::ref;
+
+// Blocks of four kinds: 8-bit sample differences, typical coefficients, the whole
+// 16-bit range, and only extremes (every stage wraps).
+Block RandomBlock(Rng& rng, int kind) {
+  Block b;
+  static constexpr Kro16s kExtremes[] = {-32768, 32767, -32767, 0, -1, 1};
+  for (Kro16s& v : b) {
+    switch (kind) {
+      case 0: v = static_cast<Kro16s>(rng.Int(-128, 127)); break;
+      case 1: v = static_cast<Kro16s>(rng.Int(-1024, 1023)); break;
+      case 2: v = static_cast<Kro16s>(rng.Int(-32768, 32767)); break;
+      default: v = kExtremes[rng.Int(0, 5)];
+    }
+  }
+  return b;
+}
+
+class DctTargets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(DctTargets);
+
+TEST_P(DctTargets, BlocksMatchTheReference) {
+  Rng rng(12);
+  for (int n = 0; n < 300; ++n) {
+    SCOPED_TRACE(n);
+    const Block b = RandomBlock(rng, n % 4);
+    Kro16u recip[64], steps[64];  // every reciprocal and step, 0 included
+    rng.Fill(recip, 64, 0, 65535);
+    rng.Fill(steps, 64, 0, n % 2 ? 255 : 65535);
+    Block want, got, in_place = b;
+
+    ref::FwdDct8x8(b.data(), want.data());
+    ASSERT_EQ(kroiDCT8x8Fwd_16s_C1(b.data(), got.data()), kroStatusOk);
+    ASSERT_EQ(kroiDCT8x8Fwd_16s_C1I(in_place.data()), kroStatusOk);
+    ASSERT_EQ(got, want);
+    ASSERT_EQ(in_place, want);
+    ref::QuantFwdBlock(want.data(), recip);
+    in_place = b;
+    ASSERT_EQ(kroiDCTQuantFwd8x8_JPEG_16s_C1(b.data(), got.data(), recip), kroStatusOk);
+    ASSERT_EQ(kroiDCTQuantFwd8x8_JPEG_16s_C1I(in_place.data(), recip), kroStatusOk);
+    ASSERT_EQ(got, want);
+    ASSERT_EQ(in_place, want);
+
+    ref::QuantInvBlock(b.data(), steps, want.data());
+    got = b;
+    ASSERT_EQ(kroiQuantInv8x8_JPEG_16s_C1I(got.data(), steps), kroStatusOk);
+    ASSERT_EQ(got, want);
+    ref::InvDct8x8(want.data(), want.data());
+    in_place = b;
+    ASSERT_EQ(kroiDCTQuantInv8x8_JPEG_16s_C1(b.data(), got.data(), steps), kroStatusOk);
+    ASSERT_EQ(kroiDCTQuantInv8x8_JPEG_16s_C1I(in_place.data(), steps), kroStatusOk);
+    ASSERT_EQ(got, want);
+    ASSERT_EQ(in_place, want);
+    ref::InvDct8x8(b.data(), want.data());
+    ASSERT_EQ(kroiDCT8x8Inv_16s_C1(b.data(), got.data()), kroStatusOk);
+    ASSERT_EQ(got, want);
+
+    got = b;
+    ref::QuantFwdBlock(got.data(), recip);
+    in_place = b;
+    ASSERT_EQ(kroiQuantFwd8x8_JPEG_16s_C1I(in_place.data(), recip), kroStatusOk);
+    ASSERT_EQ(in_place, got);
+
+    // LS forms on 8x8 regions with odd steps; the region kernels' rows are the
+    // reference level shift.
+    GuardedImage<Kro8u> px(8, 8, 1, 5), out(8, 8, 1, 7);
+    px.FillRandom(rng, 0, 255);
+    for (int y = 0; y < 8; ++y) ref::Sub128Row(px.row(y), want.data() + 8 * y, 8);
+    ref::FwdDct8x8(want.data(), want.data());
+    ref::QuantFwdBlock(want.data(), recip);
+    ASSERT_EQ(kroiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(px.data(), px.step(), got.data(), recip),
+              kroStatusOk);
+    ASSERT_EQ(got, want);
+
+    ref::QuantInvBlock(b.data(), steps, want.data());
+    ref::InvDct8x8(want.data(), want.data());
+    in_place = b;
+    ASSERT_EQ(kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(b.data(), out.data(), out.step(), steps),
+              kroStatusOk);
+    for (int y = 0; y < 8; ++y) {
+      Kro8u row[8];
+      ref::Add128Row(want.data() + 8 * y, row, 8);
+      ASSERT_TRUE(std::equal(row, row + 8, out.row(y))) << y;
+    }
+    ASSERT_TRUE(out.IntactOutside());
+    ASSERT_EQ(b, in_place);  // the source block stays as it was
+  }
+}
 
 class LevelShiftTargets : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(LevelShiftTargets);
@@ -373,7 +411,7 @@ TEST_P(LevelShiftTargets, RowsMatchTheReference) {
                 kroStatusOk);
       std::vector<Kro16s> want(w);
       for (int y = 0; y < h; ++y) {
-        kro::ref::Sub128Row(px.row(y), want.data(), w);
+        ref::Sub128Row(px.row(y), want.data(), w);
         ASSERT_TRUE(std::equal(want.begin(), want.end(), lv.row(y))) << w;
       }
       // Clamping needs values far outside the sample range, both signs.
@@ -383,7 +421,7 @@ TEST_P(LevelShiftTargets, RowsMatchTheReference) {
                 kroStatusOk);
       std::vector<Kro8u> want8(w);
       for (int y = 0; y < h; ++y) {
-        kro::ref::Add128Row(lv.row(y), want8.data(), w);
+        ref::Add128Row(lv.row(y), want8.data(), w);
         ASSERT_TRUE(std::equal(want8.begin(), want8.end(), back.row(y))) << w;
       }
       EXPECT_TRUE(lv.IntactOutside() && back.IntactOutside());
