@@ -375,6 +375,10 @@ TEST_P(DctTargets, BlocksMatchTheReference) {
     // reference level shift.
     GuardedImage<Kro8u> px(8, 8, 1, 5), out(8, 8, 1, 7);
     px.FillRandom(rng, 0, 255);
+    if (n % 3 == 0) {  // only 0 and 255: the largest first-pass values
+      for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x) px.at(x, y) = px.at(x, y) & 1 ? 255 : 0;
+    }
     for (int y = 0; y < 8; ++y) ref::Sub128Row(px.row(y), want.data() + 8 * y, 8);
     ref::FwdDct8x8(want.data(), want.data());
     ref::QuantFwdBlock(want.data(), recip);

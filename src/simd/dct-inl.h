@@ -102,11 +102,17 @@ HWY_INLINE void WidenAll(const Rows& r, Wide& w) {
   }
 }
 
-// Rows of 16-bit values from lines kept as 16 bits (wrapped).
-HWY_INLINE void NarrowAll(const Wide& w, Rows& r) {
+// Lines of a final pass that may need wrapping to 16 bits: the outputs rounded at
+// 21 bits lie in [-2^10, 2^10) already, so only the forward transform's DC-type
+// lines 0 and 4 ((sum + 32) >> 6) can leave the 16-bit range.
+inline constexpr unsigned kFwdWrapLines = 0x11, kInvWrapLines = 0x00;
+
+// Rows of 16-bit values from lines kept as 16 bits; bit k of wrap_lines marks a
+// line that may need wrapping (the others fit and narrow exactly).
+HWY_INLINE void NarrowAll(const Wide& w, Rows& r, unsigned wrap_lines = 0xFF) {
   for (size_t k = 0; k < 8; ++k) {
     V32 parts[kGroups];
-    for (size_t g = 0; g < kGroups; ++g) parts[g] = Low16(w[g][k]);
+    for (size_t g = 0; g < kGroups; ++g) parts[g] = (wrap_lines >> k) & 1 ? Low16(w[g][k]) : w[g][k];
     r[k] = Narrow(D32(), parts);
   }
 }
@@ -174,10 +180,12 @@ HWY_INLINE void TransposeWide(V32 (&w)[kG][8]) {
   }
 }
 
-// Lines kept as 16 bits, then transposed.
-HWY_INLINE void CutAndTranspose(Wide& w) {
-  for (size_t g = 0; g < kGroups; ++g)
-    for (size_t k = 0; k < 8; ++k) w[g][k] = Low16(w[g][k]);
+// Lines kept as 16 bits, then transposed. wrap = false when they are known to fit.
+HWY_INLINE void CutAndTranspose(Wide& w, bool wrap = true) {
+  if (wrap) {
+    for (size_t g = 0; g < kGroups; ++g)
+      for (size_t k = 0; k < 8; ++k) w[g][k] = Low16(w[g][k]);
+  }
   TransposeWide(w);
 }
 
@@ -259,12 +267,14 @@ HWY_INLINE void InvButterfly(V32* x) {
 // ---- Whole transforms ----
 
 // Forward DCT of the sample rows r. w receives the output rows on 32-bit lanes,
-// not yet cut to 16 bits.
+// not yet cut to 16 bits. kSamples: the rows hold level-shifted 8-bit samples
+// (-128..127), for which every first-pass output fits 16 bits (|R| <= 8192).
+template <bool kSamples = false>
 HWY_INLINE void FwdDct(Rows& r, Wide& w) {
   Transpose(r);
   WidenAll(r, w);
   for (size_t g = 0; g < kGroups; ++g) FwdButterfly<false>(w[g]);
-  CutAndTranspose(w);
+  CutAndTranspose(w, !kSamples);
   for (size_t g = 0; g < kGroups; ++g) FwdButterfly<true>(w[g]);
 }
 
@@ -274,7 +284,7 @@ HWY_INLINE void InvDct(Wide& w, Rows& r) {
   for (size_t g = 0; g < kGroups; ++g) InvButterfly<false>(w[g]);
   CutAndTranspose(w);
   for (size_t g = 0; g < kGroups; ++g) InvButterfly<true>(w[g]);
-  NarrowAll(w, r);
+  NarrowAll(w, r, kInvWrapLines);
   Transpose(r);
 }
 
@@ -308,14 +318,15 @@ HWY_INLINE void StoreShiftedRows(const Rows& r, uint8_t* dst, int step) {
   }
 }
 
-// Quantised 16-bit lanes of the (wrapped) values v with reciprocals at recip:
+// Quantised 16-bit lanes of the values v, wrapped to 16 bits first if need be, with
+// reciprocals at recip:
 // (p + 2^14 - 1 + bit 15 of p) >> 15 for p = v * recip, saturated.
-HWY_INLINE hn::Vec<DH> Quantise(V32 v, const uint16_t* recip) {
+HWY_INLINE hn::Vec<DH> Quantise(V32 v, const uint16_t* recip, bool wrap) {
   const D32 d;
   const hn::Rebind<uint32_t, D32> du;
   const hn::Rebind<uint16_t, D32> du16;
   const V32 r = hn::BitCast(d, hn::PromoteTo(du, hn::LoadU(du16, recip)));
-  const V32 p = hn::Mul(Low16(v), r);
+  const V32 p = hn::Mul(wrap ? Low16(v) : v, r);
   const V32 odd = hn::And(hn::ShiftRight<15>(p), K<1>());
   return hn::DemoteTo(DH(), hn::ShiftRight<15>(hn::Add(hn::Add(p, K<16383>()), odd)));
 }
@@ -324,7 +335,7 @@ HWY_INLINE void StoreQuantised(const Wide& w, const uint16_t* recip, int16_t* ds
   for (size_t k = 0; k < 8; ++k) {
     for (size_t g = 0; g < kGroups; ++g) {
       const size_t at = 8 * k + g * kLanes;
-      hn::StoreU(Quantise(w[g][k], recip + at), DH(), dst + at);
+      hn::StoreU(Quantise(w[g][k], recip + at, (kFwdWrapLines >> k) & 1), DH(), dst + at);
     }
   }
 }
@@ -352,7 +363,7 @@ HWY_INLINE void FwdDctBlockSimd(const int16_t* src, int16_t* dst) {
   Wide w;
   LoadRows(src, r);
   FwdDct(r, w);
-  NarrowAll(w, r);
+  NarrowAll(w, r, kFwdWrapLines);
   StoreRows(r, dst);
 }
 
@@ -371,7 +382,7 @@ HWY_INLINE void FwdDctQuantLSBlockSimd(const uint8_t* src, int step, int16_t* ds
   Rows r;
   Wide w;
   LoadShiftedRows(src, step, r);
-  FwdDct(r, w);
+  FwdDct<true>(r, w);
   StoreQuantised(w, recip, dst);
 }
 
@@ -412,7 +423,7 @@ HWY_INLINE void QuantFwdBlockSimd(int16_t* block, const uint16_t* recip) {
     Widen(D32(), hn::LoadU(D16(), block + 8 * k), v);
     for (size_t g = 0; g < kGroups; ++g) {
       const size_t at = 8 * k + g * kLanes;
-      hn::StoreU(Quantise(v[g], recip + at), DH(), block + at);
+      hn::StoreU(Quantise(v[g], recip + at, false), DH(), block + at);
     }
   }
 }
