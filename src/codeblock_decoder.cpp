@@ -185,8 +185,8 @@ void concealError(Kro32s* block, int step, KroiSize size, int p) {
   for (int y = 0; y < size.height; ++y) {
     Kro32s* row = RowPtr(block, step, y);
     for (int x = 0; x < size.width; ++x) {
-      const uint32_t v = static_cast<uint32_t>(row[x]) & keep;
-      row[x] = static_cast<Kro32s>((v & 0x7FFFFFFFu) ? v | mark : 0u);
+      const uint32_t v = LoadCoef(row + x) & keep;
+      StoreCoef(row + x, (v & 0x7FFFFFFFu) ? v | mark : 0u);
     }
   }
 }

@@ -491,7 +491,7 @@ KRO_EXPORT KroStatus kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
   uint32_t max_mag = 0;
   for (int y = 0; y < h; ++y) {
     const Kro32s* row = RowPtr(pSrc, srcStep, y);
-    for (int x = 0; x < w; ++x) max_mag |= static_cast<uint32_t>(row[x]) & 0x7FFFFFFFu;
+    for (int x = 0; x < w; ++x) max_mag |= t1::LoadCoef(row + x) & 0x7FFFFFFFu;
   }
   int sf_bits = 0;
   while (sf_bits < 31 && (max_mag >> sf_bits) != 0) ++sf_bits;

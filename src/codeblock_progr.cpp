@@ -2,6 +2,7 @@
 // Step-wise code-block decoder: a caller attaches a block and hands over its codeword
 // segments one call at a time; each step decodes the passes its segment carries.
 #include <limits.h>
+#include <string.h>
 
 #include "codeblock_decoder.h"
 #include "kro_checks.h"
@@ -194,7 +195,7 @@ KRO_EXPORT KroStatus kroiDecodeCBProgrAttach_JPEG2K_32s_C1R(Kro32s* pDst, int ds
   if (!(codeStyleFlags & t1::kFlagKeepDst)) {
     for (int y = 0; y < codeBlockSize.height; ++y) {
       Kro32s* row = RowPtr(pDst, dstStep, y);
-      for (int x = 0; x < codeBlockSize.width; ++x) row[x] = 0;
+      memset(row, 0, static_cast<size_t>(codeBlockSize.width) * sizeof(Kro32s));
     }
   }
   if (!(codeStyleFlags & t1::kFlagKeepNbh)) {

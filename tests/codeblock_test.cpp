@@ -534,6 +534,12 @@ TEST(CodeBlock, UnalignedRows) {
   const Block expected = Expected(src, 31 - mag_bits);
   for (int y = 0; y < h; ++y)
     EXPECT_EQ(memcmp(out.data() + 1 + y * step, expected.data() + y * w, w * 4), 0) << y;
+  // Segmentation symbols the stream does not hold: corrupt, and concealed in place.
+  EXPECT_EQ(kroiDecodeCodeBlock_JPEG2K_1u32s_C1R(
+                data.data(), reinterpret_cast<Kro32s*>(out.data() + 1), step, {w, h}, 2,
+                sf - (31 - mag_bits), np, want.seg_len.data(), nt, kSegSym | kConceal, nullptr,
+                reinterpret_cast<KroiDecodeCBProgrState_JPEG2K*>(state.data())),
+            kroStatusJPEG2KCorruptCodeBlock);
 }
 
 TEST(CodeBlock, EdgeCases) {
