@@ -1,11 +1,40 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Element-wise vector division: by a vector (the first operand is the divisor), by
 // a constant, and of a constant by a vector. The element rules are in
-// ref/signal_ref.h; here are the checks and the statuses.
+// ref/signal_ref.h; here are the checks and the statuses. The 16-bit rows are
+// compiled per SIMD target (simd/signal-inl.h) and chosen at each call.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "signal_div.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+
+#include "simd/signal-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace kro {
+namespace HWY_NAMESPACE {
+
+bool Div16sRow(const int16_t* divisor, const int16_t* dividend, int16_t* dst, int n, int sf) {
+  return Div16sRowSimd(divisor, dividend, dst, n, sf);
+}
+void DivC16sRow(const int16_t* src, int16_t val, int16_t* dst, int n, int sf) {
+  DivC16sRowSimd(src, val, dst, n, sf);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 #include "kro_checks.h"
 #include "ref/signal_ref.h"
 
 namespace kro {
+
+HWY_EXPORT(Div16sRow);
+HWY_EXPORT(DivC16sRow);
+
 namespace {
 
 // dst[i] = dividend[i] / divisor[i] by rule; a zero divisor anywhere makes the
@@ -30,6 +59,22 @@ KroStatus DivC(const T* src, T val, T* dst, int len, int sf) {
   return kroStatusOk;
 }
 
+// The 16-bit forms through the dispatched rows, with the checks above.
+KroStatus Div16s(const Kro16s* divisor, const Kro16s* dividend, Kro16s* dst, int len, int sf) {
+  if (AnyNull(divisor, dividend, dst)) return kroStatusNullPointer;
+  if (BadLen(len)) return kroStatusBadSize;
+  const bool zero = HWY_DYNAMIC_DISPATCH(Div16sRow)(divisor, dividend, dst, len, sf);
+  return zero ? kroStatusDivideByZeroWarning : kroStatusOk;
+}
+
+KroStatus DivC16s(const Kro16s* src, Kro16s val, Kro16s* dst, int len, int sf) {
+  if (AnyNull(src, dst)) return kroStatusNullPointer;
+  if (BadLen(len)) return kroStatusBadSize;
+  if (ref::DivC16s::IsZero(val)) return kroStatusDivideByZero;
+  HWY_DYNAMIC_DISPATCH(DivC16sRow)(src, val, dst, len, sf);
+  return kroStatusOk;
+}
+
 // dst[i] = val / src[i].
 template <class T, bool (*kRow)(const T*, T, T*, int)>
 KroStatus DivCRev(const T* src, T val, T* dst, int len) {
@@ -41,10 +86,8 @@ KroStatus DivCRev(const T* src, T val, T* dst, int len) {
 }  // namespace
 }  // namespace kro
 
-using kro::ref::Div16s;
 using kro::ref::Div16sc;
 using kro::ref::Div8u;
-using kro::ref::DivC16s;
 using kro::ref::DivC16sc;
 using kro::ref::DivC8u;
 using kro::ref::DivCFloat;
@@ -54,11 +97,11 @@ using kro::ref::DivWide;
 // Vector by vector
 KRO_EXPORT KroStatus krosDiv_16s_Sfs(const Kro16s* pSrc1, const Kro16s* pSrc2, Kro16s* pDst,
                                      int len, int scaleFactor) {
-  return kro::Div(pSrc1, pSrc2, pDst, len, Div16s(scaleFactor));
+  return kro::Div16s(pSrc1, pSrc2, pDst, len, scaleFactor);
 }
 KRO_EXPORT KroStatus krosDiv_16s_ISfs(const Kro16s* pSrc, Kro16s* pSrcDst, int len,
                                       int scaleFactor) {
-  return kro::Div(pSrc, pSrcDst, pSrcDst, len, Div16s(scaleFactor));
+  return kro::Div16s(pSrc, pSrcDst, pSrcDst, len, scaleFactor);
 }
 KRO_EXPORT KroStatus krosDiv_8u_Sfs(const Kro8u* pSrc1, const Kro8u* pSrc2, Kro8u* pDst, int len,
                                     int scaleFactor) {
@@ -117,10 +160,10 @@ KRO_EXPORT KroStatus krosDiv_64fc_I(const Kro64fc* pSrc, Kro64fc* pSrcDst, int l
 // Vector by constant
 KRO_EXPORT KroStatus krosDivC_16s_Sfs(const Kro16s* pSrc, Kro16s val, Kro16s* pDst, int len,
                                       int scaleFactor) {
-  return kro::DivC<DivC16s>(pSrc, val, pDst, len, scaleFactor);
+  return kro::DivC16s(pSrc, val, pDst, len, scaleFactor);
 }
 KRO_EXPORT KroStatus krosDivC_16s_ISfs(Kro16s val, Kro16s* pSrcDst, int len, int scaleFactor) {
-  return kro::DivC<DivC16s>(pSrcDst, val, pSrcDst, len, scaleFactor);
+  return kro::DivC16s(pSrcDst, val, pSrcDst, len, scaleFactor);
 }
 KRO_EXPORT KroStatus krosDivC_8u_Sfs(const Kro8u* pSrc, Kro8u val, Kro8u* pDst, int len,
                                      int scaleFactor) {
@@ -174,3 +217,4 @@ KRO_EXPORT KroStatus krosDivCRev_32f(const Kro32f* pSrc, Kro32f val, Kro32f* pDs
 KRO_EXPORT KroStatus krosDivCRev_32f_I(Kro32f val, Kro32f* pSrcDst, int len) {
   return kro::DivCRev<Kro32f, kro::ref::DivCRev32fRow>(pSrcDst, val, pSrcDst, len);
 }
+#endif  // HWY_ONCE

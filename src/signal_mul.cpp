@@ -1,23 +1,80 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Element-wise vector multiplication, by a vector or a constant: integer forms with
 // a scale factor (exact product, round half to even, saturation), float forms in
-// their own precision, and the mixed conversions.
+// their own precision, and the mixed conversions. The 8- and 16-bit integer rows
+// are compiled per SIMD target (simd/signal-inl.h) and chosen at each call.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "signal_mul.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+
+#include "simd/signal-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace kro {
+namespace HWY_NAMESPACE {
+
+void Mul16sRow(const int16_t* a, const int16_t* b, int16_t* dst, int n, int sf) {
+  MulScaled16RowSimd(a, b, dst, n, sf);
+}
+void MulC16sRow(const int16_t* a, int16_t b, int16_t* dst, int n, int sf) {
+  MulScaled16RowSimd(a, ref::Splat<int16_t>{b}, dst, n, sf);
+}
+void Mul16u16sRow(const uint16_t* a, const int16_t* b, int16_t* dst, int n, int sf) {
+  MulScaled16RowSimd(a, b, dst, n, sf);
+}
+void Mul8uRow(const uint8_t* a, const uint8_t* b, uint8_t* dst, int n, int sf) {
+  MulScaled8uRowSimd(a, b, dst, n, sf);
+}
+void MulC8uRow(const uint8_t* a, uint8_t b, uint8_t* dst, int n, int sf) {
+  MulScaled8uRowSimd(a, ref::Splat<uint8_t>{b}, dst, n, sf);
+}
+void Mul8u16uRow(const uint8_t* a, const uint8_t* b, uint16_t* dst, int n, int sf) {
+  MulScaled8uRowSimd(a, b, dst, n, sf);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 #include "kro_checks.h"
 #include "ref/signal_ref.h"
 
 namespace kro {
+
+HWY_EXPORT(Mul16sRow);
+HWY_EXPORT(MulC16sRow);
+HWY_EXPORT(Mul16u16sRow);
+HWY_EXPORT(Mul8uRow);
+HWY_EXPORT(MulC8uRow);
+HWY_EXPORT(Mul8u16uRow);
+
 namespace {
 
 using ref::ProductWord;
 using ref::Splat;
 
 // Integer and complex integer products scaled by 2^-sf. Without a scale factor the
-// forms run with sf = 0, i.e. plain saturation.
+// forms run with sf = 0, i.e. plain saturation. The 8- and 16-bit real forms run
+// through the dispatched rows, the wider and complex ones through the reference.
 template <class A, class B, class T>
 KroStatus MulSfs(const A* a, const B* b, T* dst, int len, int sf) {
   if (AnyNull(a, b, dst)) return kroStatusNullPointer;
   if (BadLen(len)) return kroStatusBadSize;
-  ref::MulScaledRow<T, ProductWord<A, B, T>>(a, b, dst, len, sf);
+  if constexpr (std::is_same_v<A, int16_t> && std::is_same_v<B, int16_t> &&
+                std::is_same_v<T, int16_t>) {
+    HWY_DYNAMIC_DISPATCH(Mul16sRow)(a, b, dst, len, sf);
+  } else if constexpr (std::is_same_v<A, uint16_t> && std::is_same_v<T, int16_t>) {
+    HWY_DYNAMIC_DISPATCH(Mul16u16sRow)(a, b, dst, len, sf);
+  } else if constexpr (std::is_same_v<A, uint8_t> && std::is_same_v<T, uint8_t>) {
+    HWY_DYNAMIC_DISPATCH(Mul8uRow)(a, b, dst, len, sf);
+  } else if constexpr (std::is_same_v<A, uint8_t> && std::is_same_v<T, uint16_t>) {
+    HWY_DYNAMIC_DISPATCH(Mul8u16uRow)(a, b, dst, len, sf);
+  } else {
+    ref::MulScaledRow<T, ProductWord<A, B, T>>(a, b, dst, len, sf);
+  }
   return kroStatusOk;
 }
 
@@ -25,7 +82,13 @@ template <class A, class T>
 KroStatus MulCSfs(const A* a, A val, T* dst, int len, int sf) {
   if (AnyNull(a, dst)) return kroStatusNullPointer;
   if (BadLen(len)) return kroStatusBadSize;
-  ref::MulScaledRow<T, ProductWord<A, A, T>>(a, Splat<A>{val}, dst, len, sf);
+  if constexpr (std::is_same_v<A, int16_t> && std::is_same_v<T, int16_t>) {
+    HWY_DYNAMIC_DISPATCH(MulC16sRow)(a, val, dst, len, sf);
+  } else if constexpr (std::is_same_v<A, uint8_t> && std::is_same_v<T, uint8_t>) {
+    HWY_DYNAMIC_DISPATCH(MulC8uRow)(a, val, dst, len, sf);
+  } else {
+    ref::MulScaledRow<T, ProductWord<A, A, T>>(a, Splat<A>{val}, dst, len, sf);
+  }
   return kroStatusOk;
 }
 
@@ -235,3 +298,4 @@ KRO_EXPORT KroStatus krosMulC_32f(const Kro32f* pSrc, Kro32f val, Kro32f* pDst, 
 KRO_EXPORT KroStatus krosMulC_64f(const Kro64f* pSrc, Kro64f val, Kro64f* pDst, int len) {
   return kro::MulCFloat(pSrc, val, pDst, len);
 }
+#endif  // HWY_ONCE

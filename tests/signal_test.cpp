@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "kroj.h"
+#include "simd_test_util.h"
 #include "test_util.h"
 
 namespace {
@@ -308,7 +309,12 @@ void CheckScaledProducts(const char* name, bool constant, bool scaled, Call call
     return fn(b[0], d, n, sf);                                                              \
   })
 
-TEST(Signal, IntegerProductsAreExactlyRounded) {
+// The members with SIMD rows (8- and 16-bit products, 16-bit divisions) run on every
+// target; the others take the same path on each and are checked along.
+class SignalTargets : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(SignalTargets);
+
+TEST_P(SignalTargets, IntegerProductsAreExactlyRounded) {
   VEC(krosMul_8u_Sfs, Kro8u, Kro8u, Kro8u);
   VEC_I(krosMul_8u_ISfs, Kro8u, Kro8u);
   CON(krosMulC_8u_Sfs, Kro8u);
@@ -350,24 +356,34 @@ TEST(Signal, IntegerProductsAreExactlyRounded) {
                                               });
 }
 
-TEST(Signal, SixteenBitProductsRoundEveryTieToEven) {
-  EXPECT_EQ(ExactScaled<Kro16s>(3, 1), 2);
+// Products that are ties at every scale factor, long enough for whole vectors:
+// p = k * 2^(sf-1) for odd k, split over the two operands.
+TEST_P(SignalTargets, SixteenBitProductsRoundEveryTieToEven) {
   for (int sf = 1; sf <= 30; ++sf) {
-    // p = k * 2^(sf-1) with k odd is a tie; split p over the two operands.
-    const int a_shift = std::min(sf - 1, 14);
-    std::vector<Kro16s> a, b;
-    for (int k = -31; k <= 31; k += 2) {
-      const int64_t bv = int64_t{k} << (sf - 1 - a_shift);
-      if (bv < -32768 || bv > 32767) continue;
-      a.push_back(static_cast<Kro16s>(1 << a_shift));
-      b.push_back(static_cast<Kro16s>(bv));
-    }
-    std::vector<Kro16s> d(a.size());
-    ASSERT_EQ(krosMul_16s_Sfs(a.data(), b.data(), d.data(), static_cast<int>(d.size()), sf), 0);
-    for (size_t i = 0; i < d.size(); ++i) {
-      const int k = static_cast<int>((int64_t{a[i]} * b[i]) >> (sf - 1));  // the odd k
-      const int lo = (k - 1) / 2, hi = lo + 1;                             // k / 2 = lo + 0.5
-      ASSERT_EQ(d[i], (lo % 2 == 0) ? lo : hi) << "sf " << sf << " k " << k;
+    for (bool unsigned_a : {false, true}) {
+      const int a_shift = std::min(sf - 1, unsigned_a ? 15 : 14);
+      std::vector<Kro16u> a;
+      std::vector<Kro16s> b, d;
+      for (int rep = 0; rep < 5; ++rep)
+        for (int k = -31; k <= 31; k += 2) {
+          const int64_t bv = int64_t{k} << (sf - 1 - a_shift);
+          if (bv < -32768 || bv > 32767) continue;
+          a.push_back(static_cast<Kro16u>(1 << a_shift));
+          b.push_back(static_cast<Kro16s>(bv));
+        }
+      d.resize(a.size());
+      const int n = static_cast<int>(d.size());
+      if (unsigned_a) {
+        ASSERT_EQ(krosMul_16u16s_Sfs(a.data(), b.data(), d.data(), n, sf), kroStatusOk);
+      } else {
+        std::vector<Kro16s> as(a.begin(), a.end());
+        ASSERT_EQ(krosMul_16s_Sfs(as.data(), b.data(), d.data(), n, sf), kroStatusOk);
+      }
+      for (int i = 0; i < n; ++i) {
+        const int k = static_cast<int>((int64_t{a[i]} * b[i]) >> (sf - 1));  // the odd k
+        const int lo = (k - 1) / 2, hi = lo + 1;                             // k / 2 = lo + 0.5
+        ASSERT_EQ(d[i], (lo % 2 == 0) ? lo : hi) << "sf " << sf << " k " << k;
+      }
     }
   }
   Kro16s one = 1, three = 3, five = 5, min16 = -32768, out;
@@ -422,20 +438,21 @@ int RoundOffset(float r, float offset) {
   return n - static_cast<int>(offset);
 }
 
-TEST(Signal, Div16sFollowsTheSinglePrecisionRule) {
+TEST_P(SignalTargets, Div16sFollowsTheSinglePrecisionRule) {
   Rng rng(21);
-  std::vector<Kro16s> num(4096), den(4096), out(4096);
+  constexpr int kN = 1027;
+  std::vector<Kro16s> num(kN), den(kN), out(kN);
   for (int sf = -20; sf <= 40; ++sf) {
-    for (int i = 0; i < 4096; ++i) {
+    for (int i = 0; i < kN; ++i) {
       num[i] = Sample<Kro16s>(rng);
       den[i] = static_cast<Kro16s>(i % 16 == 0  ? 0
                                    : i % 3 == 0 ? rng.Int(-9, 9)
                                                 : Sample<Kro16s>(rng));
     }
-    ASSERT_EQ(krosDiv_16s_Sfs(den.data(), num.data(), out.data(), 4096, sf),
+    ASSERT_EQ(krosDiv_16s_Sfs(den.data(), num.data(), out.data(), kN, sf),
               kroStatusDivideByZeroWarning);
     const float scale = ldexpf(1.0f, -sf);
-    for (int i = 0; i < 4096; ++i) {
+    for (int i = 0; i < kN; ++i) {
       int expect;
       if (den[i] == 0) {
         expect = num[i] == 0 ? 0 : num[i] > 0 ? 32767 : -32768;
@@ -445,6 +462,16 @@ TEST(Signal, Div16sFollowsTheSinglePrecisionRule) {
         expect = RoundOffset(r, 32768.0f);
       }
       ASSERT_EQ(out[i], expect) << num[i] << " / " << den[i] << " sf " << sf;
+    }
+    // By a constant: m = 2^-sf / val, saturated first unless m is in [-0.9999, 1].
+    const Kro16s val = den[1 + sf % 7 + 20];
+    if (val == 0) continue;
+    ASSERT_EQ(krosDivC_16s_Sfs(num.data(), val, out.data(), kN, sf), kroStatusOk);
+    const float m = scale / static_cast<float>(val);
+    for (int i = 0; i < kN; ++i) {
+      float r = static_cast<float>(num[i]) * m;
+      if (!(m >= -0.9999f && m <= 1.0f)) r = std::clamp(r, -32768.0f, 32767.0f);
+      ASSERT_EQ(out[i], RoundOffset(r, 32768.0f)) << num[i] << " / " << val << " sf " << sf;
     }
   }
   const Kro16s n[3] = {-32768, 5, 7}, d[3] = {-1, 2, 2};
