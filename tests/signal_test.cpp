@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "kroj.h"
+#include "ref/signal_ref.h"
 #include "simd_test_util.h"
 #include "test_util.h"
 
@@ -23,20 +24,11 @@ namespace {
 using kro_test::Rng;
 using I128 = __int128;
 
+// Complex element types and their parts, as the library sees them.
 template <class T>
-concept Complex = requires(T t) {
-  t.re;
-};
+concept Complex = kro::ref::ComplexElem<T>;
 template <class T>
-struct PartT {
-  using type = T;
-};
-template <Complex T>
-struct PartT<T> {
-  using type = decltype(T::re);
-};
-template <class T>
-using Part = typename PartT<T>::type;
+using Part = kro::ref::Part<T>;
 
 // ---- Argument checks of every member, driven by its signature -----------------
 // Pointers come first in the check order, then len (the first int after the last
@@ -222,20 +214,8 @@ T ExactScaled(I128 p, int sf) {
   return static_cast<T>(std::clamp(q, lo, hi));
 }
 
-template <class T>
-I128 Re(const T& v) {
-  if constexpr (Complex<T>)
-    return v.re;
-  else
-    return v;
-}
-template <class T>
-I128 Im(const T& v) {
-  if constexpr (Complex<T>)
-    return v.im;
-  else
-    return 0;
-}
+using kro::ref::Im;
+using kro::ref::Re;
 
 template <class T>
 T Sample(Rng& rng) {
@@ -277,10 +257,10 @@ void CheckScaledProducts(const char* name, bool constant, bool scaled, Call call
     if (constant) std::fill(b.begin(), b.end(), b[0]);
     ASSERT_EQ(call(a.data(), b.data(), dst.data(), kN, sf), kroStatusOk);
     for (int i = 0; i < kN; ++i) {
-      const I128 re = Re(a[i]) * Re(b[i]) - Im(a[i]) * Im(b[i]);
+      const I128 re = Re<I128>(a[i]) * Re<I128>(b[i]) - Im<I128>(a[i]) * Im<I128>(b[i]);
       if constexpr (Complex<T>) {
         using P = Part<T>;
-        const I128 im = Re(a[i]) * Im(b[i]) + Im(a[i]) * Re(b[i]);
+        const I128 im = Re<I128>(a[i]) * Im<I128>(b[i]) + Im<I128>(a[i]) * Re<I128>(b[i]);
         ASSERT_EQ(dst[i].re, ExactScaled<P>(re, sf)) << "sf " << sf << " i " << i;
         ASSERT_EQ(dst[i].im, ExactScaled<P>(im, sf)) << "sf " << sf << " i " << i;
       } else {
