@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Test-side helpers for the Huffman coders: the example tables of T.81 annex K,
-// canonical codes computed independently of the library, table buffers sized by the
-// library, and a plain bit string that stuffs and pads like a JPEG writer.
+// canonical codes and the zig-zag order computed independently of the library,
+// library-sized buffers, a bit string that stuffs and pads like a JPEG writer, a bit
+// reader written from the byte-wise refill rule, and progressive scans driven block
+// by block through the library.
 #ifndef KROJ_TESTS_HUFFMAN_TEST_UTIL_H_
 #define KROJ_TESTS_HUFFMAN_TEST_UTIL_H_
 
@@ -33,28 +35,30 @@ inline const std::vector<uint8_t> kLumAcVals = {
     0xd4, 0xd5, 0xd6, 0xd7, 0xd8, 0xd9, 0xda, 0xe1, 0xe2, 0xe3, 0xe4, 0xe5, 0xe6, 0xe7, 0xe8,
     0xe9, 0xea, 0xf1, 0xf2, 0xf3, 0xf4, 0xf5, 0xf6, 0xf7, 0xf8, 0xf9, 0xfa};
 
-// Natural index of zig-zag position k, walked along the anti-diagonals (T.81 A.3.6).
-inline std::array<int, 64> ZigZag() {
-  std::array<int, 64> zz{};
-  int k = 0;
-  for (int d = 0; d < 15; ++d) {
-    for (int i = 0; i <= d; ++i) {
-      const int r = (d % 2 == 0) ? d - i : i;  // even diagonals run upwards
-      const int c = d - r;
-      if (r < 8 && c < 8) zz[k++] = r * 8 + c;
-    }
-  }
-  return zz;
+// Natural index of zig-zag position k, walked along the anti-diagonals (T.81 A.3.6);
+// positions 64..71 stand for coefficient 63.
+inline int ZigZag(int k) {
+  static const std::array<int, 64> zz = [] {
+    std::array<int, 64> t{};
+    for (int d = 0, k = 0; d < 15; ++d)
+      for (int i = 0; i <= d; ++i) {
+        const int r = d % 2 == 0 ? d - i : i, c = d - r;  // even diagonals run upwards
+        if (r < 8 && c < 8) t[k++] = r * 8 + c;
+      }
+    return t;
+  }();
+  return k < 64 ? zz[k] : 63;
 }
 
 struct Code {
   uint32_t code = 0;
   int len = 0;
 };
+using CodeTable = std::array<Code, 256>;
 
 // Canonical codes per symbol (T.81 C.2), len 0 for symbols not listed.
-inline std::array<Code, 256> Canonical(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals) {
-  std::array<Code, 256> t{};
+inline CodeTable Canonical(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals) {
+  CodeTable t{};
   uint32_t code = 0;
   size_t p = 0;
   for (int len = 1; len <= 16; ++len, code <<= 1)
@@ -62,48 +66,41 @@ inline std::array<Code, 256> Canonical(const std::vector<uint8_t>& bits, const s
   return t;
 }
 
-// Library table buffers, sized by the library.
-struct EncTable {
+// Magnitude category: bits of |v|.
+inline int Category(int v) {
+  int n = 0;
+  for (unsigned a = static_cast<unsigned>(v < 0 ? -v : v); a; a >>= 1) ++n;
+  return n;
+}
+
+// Library buffers of the size the library reports.
+template <class T>
+struct LibBuf {
   std::vector<uint64_t> buf;
+  explicit LibBuf(KroStatus (*size)(int*)) {
+    int n = 0;
+    size(&n);
+    buf.resize((n + 7) / 8);
+  }
+  T* get() { return reinterpret_cast<T*>(buf.data()); }
+};
+struct EncTable : LibBuf<KroiEncodeHuffmanSpec> {
   KroStatus status;
-  EncTable(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals) {
-    int n = 0;
-    kroiEncodeHuffmanSpecGetBufSize_JPEG_8u(&n);
-    buf.resize((n + 7) / 8);
-    status = kroiEncodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), get());
-  }
-  KroiEncodeHuffmanSpec* get() { return reinterpret_cast<KroiEncodeHuffmanSpec*>(buf.data()); }
+  EncTable(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals)
+      : LibBuf(kroiEncodeHuffmanSpecGetBufSize_JPEG_8u),
+        status(kroiEncodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), get())) {}
 };
-struct DecTable {
-  std::vector<uint64_t> buf;
+struct DecTable : LibBuf<KroiDecodeHuffmanSpec> {
   KroStatus status;
-  DecTable(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals) {
-    int n = 0;
-    kroiDecodeHuffmanSpecGetBufSize_JPEG_8u(&n);
-    buf.resize((n + 7) / 8);
-    status = kroiDecodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), get());
-  }
-  KroiDecodeHuffmanSpec* get() { return reinterpret_cast<KroiDecodeHuffmanSpec*>(buf.data()); }
+  DecTable(const std::vector<uint8_t>& bits, const std::vector<uint8_t>& vals)
+      : LibBuf(kroiDecodeHuffmanSpecGetBufSize_JPEG_8u),
+        status(kroiDecodeHuffmanSpecInit_JPEG_8u(bits.data(), vals.data(), get())) {}
 };
-struct EncStateBuf {
-  std::vector<uint64_t> buf;
-  EncStateBuf() {
-    int n = 0;
-    kroiEncodeHuffmanStateGetBufSize_JPEG_8u(&n);
-    buf.resize((n + 7) / 8);
-    kroiEncodeHuffmanStateInit_JPEG_8u(get());
-  }
-  KroiEncodeHuffmanState* get() { return reinterpret_cast<KroiEncodeHuffmanState*>(buf.data()); }
+struct EncStateBuf : LibBuf<KroiEncodeHuffmanState> {
+  EncStateBuf() : LibBuf(kroiEncodeHuffmanStateGetBufSize_JPEG_8u) { kroiEncodeHuffmanStateInit_JPEG_8u(get()); }
 };
-struct DecStateBuf {
-  std::vector<uint64_t> buf;
-  DecStateBuf() {
-    int n = 0;
-    kroiDecodeHuffmanStateGetBufSize_JPEG_8u(&n);
-    buf.resize((n + 7) / 8);
-    kroiDecodeHuffmanStateInit_JPEG_8u(get());
-  }
-  KroiDecodeHuffmanState* get() { return reinterpret_cast<KroiDecodeHuffmanState*>(buf.data()); }
+struct DecStateBuf : LibBuf<KroiDecodeHuffmanState> {
+  DecStateBuf() : LibBuf(kroiDecodeHuffmanStateGetBufSize_JPEG_8u) { kroiDecodeHuffmanStateInit_JPEG_8u(get()); }
 };
 
 // A bit string of '0'/'1' characters.
@@ -125,14 +122,6 @@ struct Bits {
   }
 };
 
-// Magnitude category: bits of |v|.
-inline int Category(int v) {
-  int n = 0;
-  for (unsigned a = static_cast<unsigned>(v < 0 ? -v : v); a; a >>= 1) ++n;
-  return n;
-}
-
-
 // The buffered bit reader written from T.81 F.2.2.5 and the documented refill rule:
 // bytes enter only when an operation lacks bits, one at a time up to 25 bits; a
 // marker stops reading for good. Symbols are found by their canonical codes.
@@ -150,10 +139,7 @@ struct RefReader {
           if (pos >= int(src.size())) return kroStatusJPEGOutOfBuffer;
           const int c = src[pos++];
           if (c == 0) break;
-          if (c != 0xFF) {
-            marker = c;
-            return 0;
-          }
+          if (c != 0xFF) return marker = c, 0;
         }
       }
       acc = acc << 8 | uint32_t(b);
@@ -162,45 +148,45 @@ struct RefReader {
     }
     return n > bits ? kroStatusJPEGOutOfBuffer : 0;
   }
-  uint32_t Take(int n) {
+  uint32_t Take(int n) {  // bits missing after a marker read as zeros
     const uint32_t v = bits >= n ? acc >> (bits - n) : acc << (n - bits);
     bits = std::max(bits - n, 0);
     return v & ((1u << n) - 1);
   }
-  int Symbol(const std::array<Code, 256>& t, int* sym) {
+  int Raw(int n, uint32_t* v) {  // n bits, refilling first when fewer are held
+    if (bits < n) {
+      if (int st = Fill(n)) return st;
+    }
+    *v = Take(n);
+    return 0;
+  }
+  int Receive(int s, int* v) {  // s extra bits, extended (T.81 F.2.2.1)
+    uint32_t u;
+    if (int st = Raw(s, &u)) return st;
+    *v = int(u) < (1 << (s - 1)) ? int(u) - (1 << s) + 1 : int(u);
+    return 0;
+  }
+  int Symbol(const CodeTable& t, int* sym) {
     int L = 1;
     if (bits < 8) {
       if (int st = Fill(0)) return st;
     }
-    if (bits >= 8) {
+    if (bits >= 8) {  // codes of up to 8 bits straight from the next 8 bits
       const uint32_t peek = (acc >> (bits - 8)) & 255;
       for (int s = 0; s < 256; ++s)
-        if (t[s].len > 0 && t[s].len <= 8 && peek >> (8 - t[s].len) == t[s].code) {
-          bits -= t[s].len;
-          *sym = s;
-          return 0;
-        }
+        if (t[s].len > 0 && t[s].len <= 8 && peek >> (8 - t[s].len) == t[s].code) return bits -= t[s].len, *sym = s, 0;
       L = 9;
     }
-    if (bits < L) {
-      if (int st = Fill(L)) return st;
-    }
-    for (uint32_t code = Take(L);; code = code << 1 | Take(1), ++L) {
+    uint32_t code;
+    if (int st = Raw(L, &code)) return st;
+    for (;; ++L) {
       for (int s = 0; s < 256; ++s)
         if (t[s].len == L && t[s].code == code) return *sym = s, 0;
       if (L == 16) return kroStatusJPEGDataError;
-      if (bits == 0) {
-        if (int st = Fill(1)) return st;
-      }
+      uint32_t bit;
+      if (int st = Raw(1, &bit)) return st;
+      code = code << 1 | bit;
     }
-  }
-  int Receive(int s, int* v) {
-    if (bits < s) {
-      if (int st = Fill(s)) return st;
-    }
-    const int u = int(Take(s));
-    *v = u < (1 << (s - 1)) ? u - (1 << s) + 1 : u;
-    return 0;
   }
 };
 
@@ -223,33 +209,38 @@ struct ProgItem {
 };
 
 // Symbol counts of a scan, per table index.
-inline KroStatus ProgStats(const ScanSpec& s, const std::vector<ProgItem>& items, std::vector<std::vector<int>>& stats) {
+inline KroStatus ProgStats(const ScanSpec& s, const std::vector<ProgItem>& items,
+                           std::vector<std::vector<int>>& stats) {
   EncStateBuf st;
   std::vector<Kro16s> last(8, 0);
   KroStatus r = kroStatusOk;
-  auto flush = [&](int tbl) {
-    if (s.ss == 0) return;
-    KroStatus f = s.ah == 0 ? kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(nullptr, stats[tbl].data(), 0, 0, 0, st.get(), 1)
-                            : kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(nullptr, stats[tbl].data(), 0, 0, 0, st.get(), 1);
-    if (f != kroStatusOk) r = f;
+  auto ac = [&](const ProgItem& it, const Kro16s* blk, int flush) {
+    return (s.ah == 0 ? kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1 : kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1)(
+        blk, stats[it.tbl].data(), s.ss, s.se, s.al, st.get(), flush);
   };
-  for (const ProgItem& it : items) {
-    if (it.restart) {
-      flush(it.tbl);
-      std::fill(last.begin(), last.end(), 0);
-    }
-    KroStatus k = kroStatusOk;
-    if (s.ss == 0) {
-      if (s.ah == 0) k = kroiGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(it.blk, stats[it.tbl].data(), &last[it.comp], s.al);
-    } else if (s.ah == 0) {
-      k = kroiGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(it.blk, stats[it.tbl].data(), s.ss, s.se, s.al, st.get(), 0);
-    } else {
-      k = kroiGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(it.blk, stats[it.tbl].data(), s.ss, s.se, s.al, st.get(), 0);
-    }
-    if (k != kroStatusOk) r = k;
+  for (size_t i = 0; i <= items.size(); ++i) {
+    const bool end = i == items.size();
+    if (s.ss > 0 && !items.empty() && (end || items[i].restart)) r = std::min(r, ac(items[i - end], nullptr, 1));
+    if (end) break;
+    const ProgItem& it = items[i];
+    if (it.restart) std::fill(last.begin(), last.end(), 0);
+    if (s.ss > 0)
+      r = std::min(r, ac(it, it.blk, 0));
+    else if (s.ah == 0)
+      r = std::min(r, kroiGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(it.blk, stats[it.tbl].data(), &last[it.comp], s.al));
   }
-  if (!items.empty()) flush(items.back().tbl);
   return r;
+}
+
+// One block (blk non-null) or a flush of a scan through the matching encoder.
+inline KroStatus ProgEncodeOne(const ScanSpec& s, const Kro16s* blk, Kro16s* last, const KroiEncodeHuffmanSpec* t,
+                               std::vector<uint8_t>& out, int* pos, KroiEncodeHuffmanState* st) {
+  const int len = static_cast<int>(out.size()), flush = blk == nullptr;
+  if (s.ss == 0 && s.ah == 0)
+    return kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(blk, out.data(), len, pos, last, s.al, t, st, flush);
+  if (s.ss == 0) return kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(blk, out.data(), len, pos, s.al, st, flush);
+  return (s.ah == 0 ? kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1 : kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1)(
+      blk, out.data(), len, pos, s.ss, s.se, s.al, t, st, flush);
 }
 
 // Encodes a scan; restart markers RST0..7 between intervals. *status: first failure.
@@ -260,38 +251,37 @@ inline std::vector<uint8_t> ProgEncode(const ScanSpec& s, const std::vector<Prog
   int pos = 0, rst = 0;
   *status = kroStatusOk;
   auto note = [&](KroStatus k) {
-    if (k != kroStatusOk && *status == kroStatusOk) *status = k;
-  };
-  const int len = static_cast<int>(out.size());
-  auto flush = [&](const KroiEncodeHuffmanSpec* t) {
-    if (s.ss == 0 && s.ah == 0)
-      note(kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, nullptr, 0, nullptr, st.get(), 1));
-    else if (s.ss == 0)
-      note(kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, 0, st.get(), 1));
-    else if (s.ah == 0)
-      note(kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, 0, 0, 0, t, st.get(), 1));
-    else
-      note(kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, 0, 0, 0, t, st.get(), 1));
+    if (*status == kroStatusOk) *status = k;
   };
   for (const ProgItem& it : items) {
     if (it.restart) {
-      flush(it.etab);
-      out[pos++] = 0xFF;
-      out[pos++] = static_cast<uint8_t>(0xD0 + (rst++ & 7));
+      note(ProgEncodeOne(s, nullptr, nullptr, it.etab, out, &pos, st.get()));
+      out[size_t(pos++)] = 0xFF;
+      out[size_t(pos++)] = static_cast<uint8_t>(0xD0 + (rst++ & 7));
       std::fill(last.begin(), last.end(), 0);
     }
-    if (s.ss == 0 && s.ah == 0)
-      note(kroiEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(it.blk, out.data(), len, &pos, &last[it.comp], s.al, it.etab, st.get(), 0));
-    else if (s.ss == 0)
-      note(kroiEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(it.blk, out.data(), len, &pos, s.al, st.get(), 0));
-    else if (s.ah == 0)
-      note(kroiEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(it.blk, out.data(), len, &pos, s.ss, s.se, s.al, it.etab, st.get(), 0));
-    else
-      note(kroiEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(it.blk, out.data(), len, &pos, s.ss, s.se, s.al, it.etab, st.get(), 0));
+    note(ProgEncodeOne(s, it.blk, &last[it.comp], it.etab, out, &pos, st.get()));
   }
-  flush(items.empty() ? nullptr : items.back().etab);
+  note(ProgEncodeOne(s, nullptr, nullptr, items.empty() ? nullptr : items.back().etab, out, &pos, st.get()));
   out.resize(static_cast<size_t>(pos));
   return out;
+}
+
+// One block of a scan through the matching decoder.
+inline KroStatus ProgDecodeOne(const ScanSpec& s, const std::vector<uint8_t>& data, int* pos, Kro16s* blk,
+                               Kro16s* last, int* marker, const KroiDecodeHuffmanSpec* t, KroiDecodeHuffmanState* st) {
+  const int len = static_cast<int>(data.size());
+  if (s.ss == 0 && s.ah == 0)
+    return kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(data.data(), len, pos, blk, last, marker, s.al, t, st);
+  if (s.ss == 0) return kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(data.data(), len, pos, blk, marker, s.al, st);
+  return (s.ah == 0 ? kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1 : kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1)(
+      data.data(), len, pos, blk, marker, s.ss, s.se, s.al, t, st);
+}
+
+// Just past the next marker at or after p (0xFF followed by neither 0x00 nor 0xFF).
+inline int PastMarker(const std::vector<uint8_t>& d, int p) {
+  while (p + 1 < int(d.size()) && !(d[size_t(p)] == 0xFF && d[size_t(p) + 1] != 0 && d[size_t(p) + 1] != 0xFF)) ++p;
+  return p + 2;
 }
 
 // Decodes a scan into the items' blocks (refined in place). Returns the first failure.
@@ -299,27 +289,14 @@ inline KroStatus ProgDecode(const ScanSpec& s, const std::vector<uint8_t>& data,
   DecStateBuf st;
   std::vector<Kro16s> last(8, 0);
   int pos = 0, marker = 0;
-  const int len = static_cast<int>(data.size());
   for (const ProgItem& it : items) {
     if (it.restart) {
-      if (marker == 0) {
-        while (pos + 1 < len && !(data[pos] == 0xFF && data[pos + 1] != 0)) ++pos;
-        pos += 2;
-      }
+      if (marker == 0) pos = PastMarker(data, pos);
       marker = 0;
       kroiDecodeHuffmanStateInit_JPEG_8u(st.get());
       std::fill(last.begin(), last.end(), 0);
     }
-    KroStatus k;
-    if (s.ss == 0 && s.ah == 0)
-      k = kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(data.data(), len, &pos, it.blk, &last[it.comp], &marker, s.al, it.dtab, st.get());
-    else if (s.ss == 0)
-      k = kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(data.data(), len, &pos, it.blk, &marker, s.al, st.get());
-    else if (s.ah == 0)
-      k = kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(data.data(), len, &pos, it.blk, &marker, s.ss, s.se, s.al, it.dtab, st.get());
-    else
-      k = kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(data.data(), len, &pos, it.blk, &marker, s.ss, s.se, s.al, it.dtab, st.get());
-    if (k != kroStatusOk) return k;
+    if (KroStatus k = ProgDecodeOne(s, data, &pos, it.blk, &last[it.comp], &marker, it.dtab, st.get())) return k;
   }
   return kroStatusOk;
 }
