@@ -66,7 +66,11 @@ inline constexpr int kFlagCheckTerm = 1048576;
 // of 32, and the number of rows including one guard row above and below.
 inline int64_t NbhPitchBytes(int width) { return (4 * int64_t{width} + 8 + 31) / 32 * 32; }
 inline int64_t NbhRows(int height) { return (int64_t{height} + 1) / 2 + 2; }
-inline int64_t NbhBytes(int width, int height) { return NbhPitchBytes(width) * NbhRows(height); }
+// A block too large for any memory gets 2^62 bytes rather than an overflowing product.
+inline int64_t NbhBytes(int width, int height) {
+  const int64_t pitch = NbhPitchBytes(width), rows = NbhRows(height);
+  return pitch > (int64_t{1} << 62) / rows ? int64_t{1} << 62 : pitch * rows;
+}
 
 inline const Kro32u* ZeroCodingTable(int subband) {
   if (subband == 2) return ZeroCodingLUT_HxLy.data();
