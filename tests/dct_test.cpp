@@ -310,11 +310,17 @@ namespace {
 
 namespace ref = kro::ref;
 
-// Blocks of four kinds: 8-bit sample differences, typical coefficients, the whole
-// 16-bit range, and only extremes (every stage wraps).
+// Blocks of six kinds: 8-bit sample differences, typical coefficients, the whole
+// 16-bit range, only extremes (every stage wraps), a lone DC term (the inverse
+// transform's shortcut), and a DC term with one AC coefficient anywhere.
 Block RandomBlock(Rng& rng, int kind) {
-  Block b;
+  Block b{};
   static constexpr Kro16s kExtremes[] = {-32768, 32767, -32767, 0, -1, 1};
+  if (kind >= 4) {
+    b[0] = static_cast<Kro16s>(rng.Int(-32768, 32767));
+    if (kind == 5) b[rng.Int(1, 63)] = static_cast<Kro16s>(rng.Int(1, 3) * (rng.Int(0, 1) ? 1 : -1));
+    return b;
+  }
   for (Kro16s& v : b) {
     switch (kind) {
       case 0: v = static_cast<Kro16s>(rng.Int(-128, 127)); break;
@@ -333,7 +339,7 @@ TEST_P(DctTargets, BlocksMatchTheReference) {
   Rng rng(12);
   for (int n = 0; n < 300; ++n) {
     SCOPED_TRACE(n);
-    const Block b = RandomBlock(rng, n % 4);
+    const Block b = RandomBlock(rng, n % 6);
     Kro16u recip[64], steps[64];  // every reciprocal and step, 0 included
     rng.Fill(recip, 64, 0, 65535);
     rng.Fill(steps, 64, 0, n % 2 ? 255 : 65535);

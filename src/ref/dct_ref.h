@@ -121,6 +121,17 @@ inline void InvDct1D(const int16_t* in, int in_stride, int16_t* out, int out_str
   out[4 * out_stride] = Out(Sra(t3 - h + kRound, kShift));
 }
 
+// The inverse transform of a block whose only non-zero coefficient is the DC term:
+// every sample takes this value. Pass 1 turns column 0 into (y, ..., y) and the
+// other columns into zeros, so each row of pass 2 sees (y, 0, ..., 0).
+inline int16_t InvDctOfDc(int16_t dc) {
+  int16_t line[8] = {dc}, out[8];
+  InvDct1D<false>(line, 1, out, 1);
+  line[0] = out[0];
+  InvDct1D<true>(line, 1, out, 1);
+  return out[0];
+}
+
 // Forward DCT of a natural-order block; src may equal dst.
 inline void FwdDct8x8(const int16_t* src, int16_t* dst) {
   int16_t tmp[64];

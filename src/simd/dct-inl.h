@@ -340,17 +340,46 @@ HWY_INLINE void StoreQuantised(const Wide& w, const uint16_t* recip, int16_t* ds
   }
 }
 
-// Dequantised coefficient rows: src * step, the steps read as signed, clamped to
+// Dequantised coefficient rows: coef * step, the steps read as signed, clamped to
 // 16 bits.
-HWY_INLINE void LoadDequantised(const int16_t* src, const uint16_t* steps, Wide& w) {
+HWY_INLINE void Dequantise(const Rows& coef, const uint16_t* steps, Wide& w) {
   const D32 d;
   const V32 lo = K<-32768>(), hi = K<32767>();
   for (size_t k = 0; k < 8; ++k) {
     V32 c[kGroups], s[kGroups];
-    Widen(d, hn::LoadU(D16(), src + 8 * k), c);
+    Widen(d, coef[k], c);
     Widen(d, hn::BitCast(D16(), hn::LoadU(hn::Full128<uint16_t>(), steps + 8 * k)), s);
     for (size_t g = 0; g < kGroups; ++g) w[g][k] = hn::Min(hn::Max(hn::Mul(c[g], s[g]), lo), hi);
   }
+}
+
+// Whether the block holds no AC coefficient: then every sample of its inverse
+// transform is ref::InvDctOfDc of the DC term, which costs a fraction of the
+// transform (and many decoded blocks, chroma above all, are like that).
+HWY_INLINE bool OnlyDc(const Rows& coef) {
+  const D16 d;
+  V16 ac = hn::IfThenZeroElse(hn::FirstN(d, 1), coef[0]);
+  for (size_t k = 1; k < 8; ++k) ac = hn::Or(ac, coef[k]);
+  return hn::AllTrue(d, hn::Eq(ac, hn::Zero(d)));
+}
+
+// Inverse transform of the coefficient rows r (dequantised with steps unless
+// null) into r.
+HWY_INLINE void InvDctRows(Rows& r, const uint16_t* steps) {
+  if (OnlyDc(r)) {
+    int32_t dc = hn::GetLane(r[0]);
+    if (steps) dc = HWY_MIN(HWY_MAX(dc * static_cast<int16_t>(steps[0]), -32768), 32767);
+    const V16 v = hn::Set(D16(), ref::InvDctOfDc(static_cast<int16_t>(dc)));
+    for (size_t k = 0; k < 8; ++k) r[k] = v;
+    return;
+  }
+  Wide w;
+  if (steps) {
+    Dequantise(r, steps, w);
+  } else {
+    WidenAll(r, w);
+  }
+  InvDct(w, r);
 }
 
 }  // namespace dct_simd
@@ -389,19 +418,16 @@ HWY_INLINE void FwdDctQuantLSBlockSimd(const uint8_t* src, int step, int16_t* ds
 HWY_INLINE void InvDctBlockSimd(const int16_t* src, int16_t* dst) {
   using namespace dct_simd;
   Rows r;
-  Wide w;
   LoadRows(src, r);
-  WidenAll(r, w);
-  InvDct(w, r);
+  InvDctRows(r, nullptr);
   StoreRows(r, dst);
 }
 
 HWY_INLINE void InvDctDequantBlockSimd(const int16_t* src, int16_t* dst, const uint16_t* steps) {
   using namespace dct_simd;
   Rows r;
-  Wide w;
-  LoadDequantised(src, steps, w);
-  InvDct(w, r);
+  LoadRows(src, r);
+  InvDctRows(r, steps);
   StoreRows(r, dst);
 }
 
@@ -409,9 +435,8 @@ HWY_INLINE void InvDctDequantLSBlockSimd(const int16_t* src, uint8_t* dst, int s
                                          const uint16_t* steps) {
   using namespace dct_simd;
   Rows r;
-  Wide w;
-  LoadDequantised(src, steps, w);
-  InvDct(w, r);
+  LoadRows(src, r);
+  InvDctRows(r, steps);
   StoreShiftedRows(r, dst, step);
 }
 
@@ -432,7 +457,8 @@ HWY_INLINE void QuantInvBlockSimd(int16_t* block, const uint16_t* steps) {
   using namespace dct_simd;
   Wide w;
   Rows r;
-  LoadDequantised(block, steps, w);
+  LoadRows(block, r);
+  Dequantise(r, steps, w);
   NarrowAll(w, r);
   StoreRows(r, block);
 }
