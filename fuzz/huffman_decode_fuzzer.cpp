@@ -30,7 +30,9 @@ std::vector<int16_t> Decode(const std::vector<uint8_t>& src, bool direct, Tables
   Kro32u acc = 0;
   Kro16s last_dc = 0;
   const int len = static_cast<int>(src.size());
-  for (int b = 0; b < kMaxBlocks && marker == 0; ++b) {
+  // The Direct reader meets a marker while filling its accumulator, up to 32 bits ahead
+  // of the block it decodes: the blocks still held in those bits decode after it.
+  for (int b = 0; b < kMaxBlocks && (marker == 0 || (direct && valid_bits > 0)); ++b) {
     std::vector<int16_t> block(64, 0x5A5A);  // exactly one block: anything beyond it is caught
     KroStatus st;
     if (direct) {
