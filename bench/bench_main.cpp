@@ -11,6 +11,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 #include <map>
 #include <string>
@@ -40,6 +41,9 @@ int64_t TargetByName(const char* name) {
 
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
+  // Colours only on a terminal (the library does this for its own reporter alone).
+  RatioReporter() : ConsoleReporter(isatty(STDOUT_FILENO) ? OO_ColorTabular : OO_Tabular) {}
+
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& r : runs) {
       if (r.run_type != Run::RT_Iteration || r.error_occurred) continue;
@@ -110,7 +114,9 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&n, args.data());
   if (benchmark::ReportUnrecognizedArguments(n, args.data())) return 1;
   ApplyTarget();
-  benchmark::AddCustomContext("kroj_target", target ? target : "best");
+  // The target dispatch picks: the first of the list is the best.
+  benchmark::AddCustomContext("kroj_target",
+                              target ? target : hwy::TargetName(hwy::SupportedAndGeneratedTargets()[0]));
   benchmark::AddCustomContext("kroj_threads", std::to_string(threads_omp_of_n_kro));
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
