@@ -146,7 +146,7 @@ KRO_API extern int threads_omp_of_n_kro;
 /* ======================================================================== */
 /* Tables arrive as in a DHT segment: pListBits = BITS, 16 counts of codes of
  * length 1..16; pListVals = HUFFVAL, the symbols in order of increasing code length.
- * Specification and state buffers are sized by their ...GetBufSize function
+ * Table and state buffers are sized by their ...GetBufSize function
  * (encoder spec 1024 bytes, decoder spec 1644, encoder state 1048, decoder state 24)
  * and owned by the caller; their contents are private. The ...InitAlloc functions
  * allocate with krosMalloc_8u and return kroStatusNullPointer when that fails; a
@@ -159,7 +159,7 @@ typedef struct KroiDecodeHuffmanSpec KroiDecodeHuffmanSpec;
 typedef struct KroiEncodeHuffmanState KroiEncodeHuffmanState;
 typedef struct KroiDecodeHuffmanState KroiDecodeHuffmanState;
 
-/* Table specifications and states. GetBufSize: pSize null -> -8. The encoder spec
+/* Huffman tables and states. GetBufSize: pSize null -> -8. The encoder spec
  * refuses BITS totalling more than 256 codes or over-filling a code length (-64;
  * codes may not be all 1-bits). The decoder spec refuses only more than 256 codes:
  * an over-full list is accepted, its codes that do not fit their length are never

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// JPEG Huffman tables: encoder and decoder specifications built from BITS/HUFFVAL,
+// JPEG Huffman tables: encoder and decoder tables built from BITS/HUFFVAL,
 // the bit-stream states and optimal tables from symbol statistics (T.81 K.2).
 #include <string.h>
 
