@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // kroj_rd: rate against PSNR of the example codecs and their peers on one photo.
 //   JPEG  4:2:0 at quality 30..95: ours against TurboJPEG's tjCompress2 (islow DCT)
-//   J2K   ICT + 9/7, one layer, at 10:1..80:1: ours against OpenJPEG
+//   J2K   ICT + 9/7, one layer, at 10:1..80:1: ours against OpenJPEG (and Grok when
+//         it is found)
 // Every file of a codec is decoded by the same decoder (the peer's), so the curves
 // compare encoders alone; our own decoder reads our files as a further curve. Rates
 // are whole-file sizes in bits per pixel, PSNR is over all RGB samples.
@@ -9,6 +10,7 @@
 // prints a CSV table and optionally writes the same points as JSON.
 #include <stdio.h>
 #include <string.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <string>
@@ -23,6 +25,9 @@
 #endif
 #ifdef KROJ_HAVE_PEER_OPJ
 #include <openjpeg.h>
+#endif
+#ifdef KROJ_HAVE_PEER_GRK
+#include <grok.h>
 #endif
 
 namespace {
@@ -196,6 +201,65 @@ bool OpjDecode(const std::vector<uint8_t>& file, Image* img) {
 }
 #endif
 
+#ifdef KROJ_HAVE_PEER_GRK
+// Grok with the same structure as the other two, one thread. Its memory streams only
+// read in this version, so the code-stream goes through a temporary file.
+bool GrkEncode(const Image& img, double ratio, std::vector<uint8_t>* out) {
+  grk_cparameters p;
+  grk_compress_set_default_params(&p);
+  p.cod_format = GRK_FMT_J2K;
+  p.numresolution = 6;
+  p.cblockw_init = p.cblockh_init = 64;
+  p.irreversible = true;
+  p.numlayers = 1;
+  p.layer_rate[0] = ratio;
+  p.allocationByRateDistoration = true;
+  p.mct = img.channels == 3 ? 1 : 0;
+  p.numThreads = 1;
+  grk_image_comp cp[3];
+  memset(cp, 0, sizeof(cp));
+  for (int c = 0; c < img.channels; ++c) {
+    cp[c].dx = cp[c].dy = 1;
+    cp[c].w = static_cast<uint32_t>(img.width);
+    cp[c].h = static_cast<uint32_t>(img.height);
+    cp[c].prec = 8;
+  }
+  grk_image* image = grk_image_new(static_cast<uint16_t>(img.channels), cp,
+                                   img.channels == 3 ? GRK_CLRSPC_SRGB : GRK_CLRSPC_GRAY);
+  if (!image) return false;
+  image->x1 = static_cast<uint32_t>(img.width);
+  image->y1 = static_cast<uint32_t>(img.height);
+  for (int c = 0; c < img.channels; ++c) {
+    const grk_image_comp& comp = image->comps[c];
+    if (!comp.data) {
+      grk_object_unref(&image->obj);
+      return false;
+    }
+    for (int y = 0; y < img.height; ++y)
+      for (int x = 0; x < img.width; ++x)
+        comp.data[static_cast<size_t>(y) * comp.stride + x] = img.row(y)[img.channels * x + c];
+  }
+  char path[] = "/tmp/kroj_rd_XXXXXX";
+  const int fd = mkstemp(path);
+  if (fd < 0) {
+    grk_object_unref(&image->obj);
+    return false;
+  }
+  close(fd);
+  grk_stream_params sp;
+  memset(&sp, 0, sizeof(sp));
+  sp.file = path;
+  grk_codec* codec = grk_compress_init(&sp, &p, image);
+  bool ok = codec && grk_compress(codec, nullptr);
+  if (codec) grk_object_unref(codec);
+  grk_object_unref(&image->obj);
+  std::string error;
+  ok = ok && krojcodec::ReadFileBytes(path, out, &error);
+  unlink(path);
+  return ok;
+}
+#endif
+
 void Add(Curve* c, double param, size_t bytes, const Image& ref, const Image& decoded, bool ok) {
   if (!ok) {
     fprintf(stderr, "kroj_rd: %s by %s read by %s failed at %g\n", c->codec.c_str(),
@@ -245,6 +309,10 @@ std::vector<Curve> J2kCurves(const Image& img) {
 #ifdef KROJ_HAVE_PEER_OPJ
   Curve ours{"j2k", "krojmx", "OpenJPEG", {}};
   Curve peer{"j2k", "OpenJPEG", "OpenJPEG", {}};
+#ifdef KROJ_HAVE_PEER_GRK
+  Curve grok{"j2k", "Grok", "OpenJPEG", {}};
+  grk_initialize(nullptr, 1);
+#endif
 #endif
   std::string error;
   const double raw_bits = 8.0 * img.channels;
@@ -265,9 +333,17 @@ std::vector<Curve> J2kCurves(const Image& img) {
     std::vector<uint8_t> peer_file;
     Add(&peer, ratio, peer_file.size(), img, dec,
         OpjEncode(img, ratio, &peer_file) && OpjDecode(peer_file, &dec));
+#ifdef KROJ_HAVE_PEER_GRK
+    Add(&grok, ratio, peer_file.size(), img, dec,
+        GrkEncode(img, ratio, &peer_file) && OpjDecode(peer_file, &dec));
+#endif
 #endif
   }
 #ifdef KROJ_HAVE_PEER_OPJ
+#ifdef KROJ_HAVE_PEER_GRK
+  grk_deinitialize();
+  if (!grok.points.empty()) return {ours, peer, ours_own, grok};
+#endif
   return {ours, peer, ours_own};
 #else
   return {ours_own};

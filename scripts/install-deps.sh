@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config clang libomp-dev
   libgtest-dev libgmock-dev libbenchmark-dev libhwy-dev
   libjpeg62-turbo-dev libturbojpeg0-dev libopenjp2-7-dev libopenjp2-tools libpng-dev
-  binutils valgrind python3
+  binutils valgrind python3 libgrokj2k1-dev
 )
 
 missing=()
