@@ -54,15 +54,15 @@ bench: deps
 	@echo "kroj_bench: all benchmarks, best target (log in build-bench/bench.txt)"
 	@./build-bench/bench/kroj_bench --benchmark_out=build-bench/bench.json \
 	  --benchmark_out_format=json --benchmark_min_time=$(BENCH_MIN_TIME) $(BENCH_ARGS) \
-	  > build-bench/bench.txt
+	  > build-bench/bench.txt 2>&1 || { tail -5 build-bench/bench.txt; exit 1; }
 	@avail=" $$(./build-bench/bench/kroj_bench --kroj_list_targets | tr '\n' ' ')"; \
 	for t in $(BENCH_TARGETS); do \
 	  case "$$avail" in *" $$t "*) ;; *) echo "kroj_bench: no $$t on this CPU"; continue;; esac; \
 	  echo "kroj_bench: streaming, DCT and wavelet families on $$t"; \
 	  ./build-bench/bench/kroj_bench --kroj_target=$$t --benchmark_min_time=0.03 \
 	    --benchmark_filter='$(BENCH_TARGET_FILTER)' --benchmark_out_format=json \
-	    --benchmark_out=build-bench/bench-target-$$t.json > build-bench/bench-target-$$t.txt \
-	    || exit 1; \
+	    --benchmark_out=build-bench/bench-target-$$t.json > build-bench/bench-target-$$t.txt 2>&1 \
+	    || { tail -5 build-bench/bench-target-$$t.txt; exit 1; }; \
 	done
 	@if [ -x build-bench/bench/kroj_rd ]; then echo "kroj_rd: rate against PSNR"; \
 	  ./build-bench/bench/kroj_rd --json=build-bench/rd.json > build-bench/rd.csv; fi

@@ -589,6 +589,14 @@ def main():
     for (codec, peer), d in sorted(rd.items()):
         s.append("| %s rate–PSNR, ours − %s at equal rate | %+.2f dB |"
                  % ("JPEG" if codec == "jpeg" else "JPEG 2000", peer, d))
+    try:
+        busy = float(load.split()[0]) > float(context.get("num_cpus", 0)) - 0.5
+    except ValueError:
+        busy = False
+    if busy:
+        s.append("| note | load average %s on %s CPUs before the run: the second thread "
+                 "waited for a core, so two-thread figures say little |"
+                 % (load.split()[0], context.get("num_cpus", "?")))
     s.append("")
     rep.md[summary_at:summary_at] = s
 
