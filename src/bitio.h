@@ -32,7 +32,7 @@ struct KroiDecodeHuffmanSpec {
 };
 
 struct KroiEncodeHuffmanState {
-  uint64_t accumulator;  // low 32 bits: stream window, oldest pending bit at bit 23
+  uint64_t accumulator;  // low 32 bits: last byte written (31..24), pending bits from bit 23 down
   int32_t bitCount;      // pending bits, 0..7 between calls
   int32_t eobRun;        // progressive: blocks ended since the last EOBRUN was written
   int32_t correctionBitCount;
@@ -207,12 +207,13 @@ class CheckedSink {
   EncState* st_;
 };
 
-// Fast sink for a destination with room for the worst case of the call. Bits gather
-// in a 64-bit window and leave eight bytes at a time (one store when none of them is
-// 0xFF). Finish() must run on every exit: it writes the remaining whole bytes and
-// stores the state the checked sink would have left, because without a full buffer
-// the only failure is a missing code, which writes nothing. That state keeps the last
-// byte written in bits 31..24 of its accumulator, as the byte-wise writer does.
+// Fast sink for a destination with room for the worst case of the call plus eight
+// bytes. Bits gather in a 64-bit window and leave eight bytes at a time (one store
+// when none of them is 0xFF). Finish() must run on every exit: it writes the
+// remaining whole bytes and stores the state the checked sink would have left,
+// because without a full buffer the only failure is a missing code, which writes
+// nothing. That state keeps the last byte written in bits 31..24 of its accumulator,
+// as the byte-wise writer does.
 class FastSink {
  public:
   FastSink(Kro8u* dst, int* pos, EncState* st) : base_(dst), pos_(pos), st_(st) {
@@ -235,25 +236,29 @@ class FastSink {
     Put(LowBits(v, n), n);
     return kroStatusOk;
   }
+  // The whole bytes left in the window (0..8) go out in one eight-byte store when none
+  // is 0xFF: the bytes after them are loaded and stored back unchanged, which is safe
+  // because the fast sink only runs with room for eight bytes past anything it writes.
+  // This replaces a byte loop whose length changed from block to block.
   void Finish() {
-    int n = 64 - free_;
+    int n = 64 - free_;  // 0..64
     const int whole = n >> 3;
-    if (whole >= 4) {
-      // 4 to 8 whole bytes: two four-byte stores that may overlap, when none is 0xFF.
-      const uint64_t top = buf_ << (64 - n);  // the whole bytes first
-      const uint64_t inv = ~top | (whole == 8 ? 0 : ~uint64_t{0} >> (8 * whole));
-      if (((inv - 0x0101010101010101u) & ~inv & 0x8080808080808080u) == 0) {
-        const uint32_t head = __builtin_bswap32(static_cast<uint32_t>(top >> 32));
-        const uint32_t tail = static_cast<uint32_t>(buf_ >> (n - 8 * whole));
-        const uint32_t tail_be = __builtin_bswap32(tail);
-        memcpy(p_, &head, 4);
-        memcpy(p_ + whole - 4, &tail_be, 4);
-        p_ += whole;
-        last_ = tail & 0xFF;
-        n -= 8 * whole;
-      }
+    const uint64_t top = buf_ << ((64 - n) & 63);  // whole bytes first; the rest is masked off
+    const uint64_t keep = whole == 8 ? 0 : ~uint64_t{0} >> (8 * whole);
+    const uint64_t inv = ~top | keep;
+    if (((inv - 0x0101010101010101u) & ~inv & 0x8080808080808080u) == 0) [[likely]] {
+      const uint64_t mem_keep = __builtin_bswap64(keep);
+      const uint64_t be = __builtin_bswap64(top);
+      uint64_t old;
+      memcpy(&old, p_, 8);
+      const uint64_t out = (be & ~mem_keep) | (old & mem_keep);
+      memcpy(p_, &out, 8);
+      p_ += whole;
+      n &= 7;
+      last_ = whole != 0 ? static_cast<uint32_t>(buf_ >> n) & 0xFF : last_;
+    } else {
+      for (; n >= 8; n -= 8) Byte(static_cast<uint8_t>(buf_ >> (n - 8)));
     }
-    for (; n >= 8; n -= 8) Byte(static_cast<uint8_t>(buf_ >> (n - 8)));
     *pos_ = static_cast<int>(p_ - base_);
     st_->accumulator = last_ << 24 | LowBits(static_cast<uint32_t>(buf_), n) << (24 - n);
     st_->bitCount = n;
@@ -342,7 +347,8 @@ KroStatus WithSink(Kro8u* pDst, int dstLenBytes, int* pDstCurrPos, EncState* sta
 
 // Bytes one baseline block can need: 7 pending bits, DC 16 + 16 bits, 63 AC values of
 // at most 16 + 16 bits (ZRL and EOB never cost more than the values they stand for):
-// 2055 bits, 257 bytes, doubled for stuffing.
+// 2055 bits, of which 256 whole bytes leave, doubled for stuffing: 512, and eight
+// more for the fast sink's last store.
 inline constexpr int kBlockWorstCaseBytes = 520;
 
 // Bit k: zig-zag position k of the block holds a non-zero value. Plain version, for

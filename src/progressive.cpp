@@ -13,7 +13,7 @@ namespace {
 
 // Every progressive call fits in this many free bytes: an EOBRUN (16+14 bits), up to
 // 1000 buffered correction bits, 63 symbols of at most 16+11 bits, 7 pending bits,
-// all doubled for stuffing.
+// all doubled for stuffing (684 bytes), and the fast sink's eight-byte last store.
 constexpr int kProgressiveWorstCaseBytes = 1024;
 
 // Binds a sink to one table so the scan coders name only symbols.
