@@ -23,9 +23,6 @@ HWY_BEFORE_NAMESPACE();
 namespace kro {
 namespace HWY_NAMESPACE {
 
-// T.81 F.2.2.1 and F.2.2.2. The cursor k is the zig-zag position of the next
-// coefficient; positions still unvisited are 64 - k, so endPosition is k (0 after a
-// failure in the DC part). A run carries k up to 63 + 15 + 1.
 namespace hn = hwy::HWY_NAMESPACE;
 
 // The 64 coefficients cleared with whole vectors (a byte-count memset of 128 bytes
@@ -35,17 +32,19 @@ HWY_INLINE void ClearBlock(Kro16s* dst) {
   for (size_t i = 0; i < 64; i += hn::Lanes(d)) hn::StoreU(hn::Zero(d), d, dst + i);
 }
 
+// T.81 F.2.2.1 and F.2.2.2. The cursor k is the zig-zag position of the next
+// coefficient; positions still unvisited are 64 - k, so endPosition is k (0 after a
+// failure in the DC part). A run carries k up to 63 + 15 + 1.
 HWY_INLINE KroStatus DecodeBlock(BitReader& r, Kro16s* dst, Kro16s* last_dc, const DecSpec* dc, const DecSpec* ac,
                                  DecState* state) {
   ClearBlock(dst);
-  int sym = DecodeSymbol(r, dc);
+  int sym = DecodeSymbol(r, dc);  // a status when negative
   if (sym > 0 && (sym & 15) != 0) {
     const int s = sym & 15;
     uint32_t v;
     const KroStatus st = ReceiveBits(r, s, &v);
-    if (st != kroStatusOk) sym = st;
-    else
-      *last_dc = Wrap16(*last_dc + Extend(v, s));
+    if (st == kroStatusOk) *last_dc = Wrap16(*last_dc + Extend(v, s));
+    sym = st != kroStatusOk ? st : sym;
   }
   if (sym < 0) {
     state->endPosition = 0;
@@ -54,21 +53,58 @@ HWY_INLINE KroStatus DecodeBlock(BitReader& r, Kro16s* dst, Kro16s* last_dc, con
   dst[0] = *last_dc;
   int k = 1;
   KroStatus st = kroStatusOk;
+  // The unread bits, left-aligned: the next lookup index is the top byte, and a symbol
+  // with its value leaves by one shift, so that from one table load to the next the
+  // dependency chain is load, add, shift, shift; the decoder waits on this chain
+  // (indexing through the count, and taking the value in a second step, made it three
+  // operations longer). Refills, EOB and ZRL, codes longer than 8 bits and the bits
+  // before a marker take the exact reader, after which the window is rebuilt.
+  uint64_t win = (uint64_t{r.acc} << 32) << (32 - r.bits);
   for (;;) {
-    sym = DecodeSymbol(r, ac);
-    if (sym < 0) {
-      st = static_cast<KroStatus>(sym);
+    const uint32_t e = r.bits >= 8 ? ac->fastLookup[win >> 56] : 0;
+    const int len = static_cast<int>(e >> 16);  // 1..8 from a built table
+    const int size = static_cast<int>(e & 15);
+    if (size != 0 && r.bits >= len + size) [[likely]] {  // the value is held too
+      k += static_cast<int>(e >> 4) & 15;
+      const uint32_t v = static_cast<uint32_t>((win << len) >> (64 - size));
+      win <<= len + size;
+      r.bits -= len + size;
+      if (k < 63) [[likely]] {
+        dst[own_pj_izigzag_index[k++]] = static_cast<Kro16s>(Extend(v, size));
+        continue;
+      }
+      if (k >= 72) return kroStatusError;
+      dst[own_pj_izigzag_index[k++]] = static_cast<Kro16s>(Extend(v, size));
       break;
+    }
+    if (e != 0) {
+      r.bits -= len;
+      win <<= len & 63;
+      sym = static_cast<int>(e & 0xFF);
+    } else {
+      sym = DecodeSymbol(r, ac);
+      if (sym < 0) {
+        st = static_cast<KroStatus>(sym);
+        break;
+      }
+      win = (uint64_t{r.acc} << 32) << (32 - r.bits);
     }
     const int run = sym >> 4;
     const int s = sym & 15;
     if (s > 0) {
       k += run;
       uint32_t v;
-      st = ReceiveBits(r, s, &v);
-      if (st != kroStatusOk) {
-        ++k;  // the value's position counts as visited
-        break;
+      if (r.bits >= s) [[likely]] {
+        v = static_cast<uint32_t>(win >> (64 - s));
+        win <<= s;
+        r.bits -= s;
+      } else {
+        st = ReceiveBits(r, s, &v);
+        if (st != kroStatusOk) {
+          ++k;  // the value's position counts as visited
+          break;
+        }
+        win = (uint64_t{r.acc} << 32) << (32 - r.bits);
       }
       if (k < 63) [[likely]] {
         dst[own_pj_izigzag_index[k++]] = static_cast<Kro16s>(Extend(v, s));
