@@ -80,7 +80,7 @@ struct JpegDecodeOptions {
 };
 
 // Decodes a JPEG file to 8-bit grey or RGB. Corrupt or unsupported files return false
-// with a message in *error.
+// with a message in *error; *img may then hold part of the image.
 bool DecodeJpeg(const uint8_t* data, size_t size, Image* img, std::string* error,
                 const JpegDecodeOptions& options = JpegDecodeOptions());
 

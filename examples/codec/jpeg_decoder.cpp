@@ -43,10 +43,246 @@ struct ScanHeader {
   ScanKind kind = ScanKind::kSequential;
 };
 
+// ---------------------------------------------------------------------------
+// Reconstruction
+
+// Why the frame's components can (or cannot) be turned into pixels; empty when they can.
+std::string ReconstructionError(const JpegCoefficients& f, const bool quant_defined[4]) {
+  const int n = static_cast<int>(f.components.size());
+  if (n != 1 && n != 3) return "only grey and three-component JPEG files can be decoded to pixels";
+  for (const JpegComponent& c : f.components) {
+    if (!quant_defined[c.quant_table]) return "a component uses an undefined quantisation table";
+    const bool full = c.h == f.max_h && c.v == f.max_v;
+    const bool half = c.h * 2 == f.max_h && (c.v == f.max_v || c.v * 2 == f.max_v);
+    if (!full && !half)
+      return "sampling factors " + std::to_string(c.h) + "x" + std::to_string(c.v) + " against " +
+             std::to_string(f.max_h) + "x" + std::to_string(f.max_v) +
+             " are not supported (chroma must be full, half width or half size)";
+  }
+  return std::string();
+}
+
+// Whether the MCU functions cover this frame: YCbCr with the luminance at 1x1, 2x1 or
+// 2x2 and both chroma components at 1x1.
+bool McuPathFits(const JpegCoefficients& f) {
+  const auto& c = f.components;
+  return f.ycbcr && c[0].h == f.max_h && c[0].v == f.max_v && f.max_h <= 2 && f.max_v <= f.max_h &&
+         c[1].h == 1 && c[1].v == 1 && c[2].h == 1 && c[2].v == 1;
+}
+
+// Dequantisation, inverse DCT, +128 and clamping (kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R)
+// of rows x width samples from block rows of blocks_w blocks at coef into dst. Blocks
+// crossing the right or bottom edge go through a scratch block.
+void InverseTransformRows(const int16_t* coef, int blocks_w, const Kro16u* table, int rows,
+                          int width, uint8_t* dst, int step) {
+  alignas(32) uint8_t edge[64];
+  for (int r0 = 0; r0 < rows; r0 += 8) {
+    const int16_t* block = coef + static_cast<size_t>(r0 / 8) * blocks_w * 64;
+    const int h = std::min(8, rows - r0);
+    for (int x0 = 0; x0 < width; x0 += 8, block += 64) {
+      uint8_t* out = dst + static_cast<size_t>(r0) * step + x0;
+      if (x0 + 8 <= width && h == 8) {
+        kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(block, out, step, table);
+        continue;
+      }
+      kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(block, edge, 8, table);
+      const int w = std::min(8, width - x0);
+      for (int r = 0; r < h; ++r) memcpy(out + static_cast<size_t>(r) * step, edge + 8 * r, w);
+    }
+  }
+}
+
+// Pixels from coefficients, one row of MCUs at a time (a row of blocks for a grey
+// frame). The scan decoder calls Row() as it finishes each MCU row of a sequential
+// frame coded in one scan, so that the coefficients are transformed while still in
+// cache and no frame-sized coefficient arrays exist (at 8 MP 4:2:0 those arrays were
+// 24 MB, zeroed, written and read back: a fifth of the decoding time). Other frames
+// are handed over row by row from the frame's arrays after their last scan.
+//
+// Smooth path: full-resolution components are inverse transformed into a strip of the
+// MCU row's height; sub-sampled ones into a small buffer with a border of repeated
+// edge samples, from which the triangle filters (kroiSampleUpH2V1/H2V2_JPEG_8u_C1R)
+// enlarge them into the strip; one colour conversion (kroiYCbCrToRGB_JPEG_8u_P3C3R,
+// whose three planes share one row step) writes the strip's pixels. The H2V2 filter
+// reads a chroma row below the strip, so strip k is made when MCU row k + 1 arrives.
+// Fast path: per MCU, dequantisation + inverse DCT to level-shifted samples
+// (kroiDCTQuantInv8x8_JPEG_16s_C1), then one call that replicates the chroma, converts
+// to RGB and stores the pixels (kroiYCbCr4xxToRGBLS_MCU_16s8u_P3C3R).
+class Reconstructor {
+ public:
+  // Allocates the image; ReconstructionError(f) must be empty.
+  Reconstructor(const JpegCoefficients& f, bool fast_upsampling, Image* img);
+
+  // The coefficients of MCU row k, k = 0, 1, ... in order: for component c, c.v rows
+  // of blocks_w blocks (one row for a grey frame). They must stay in place until the
+  // next call or Finish().
+  void Row(int k, const int16_t* const coef[3]);
+  void Finish();
+
+ private:
+  // A sub-sampled component's samples around the strip being made: row 0 the row
+  // above it, then the MCU row of the strip, then the next MCU row; one repeated
+  // sample left and right of every row.
+  struct Chroma {
+    int width = 0, height = 0, step = 0, rows = 0;  // rows: sample rows per MCU row
+    bool vertical = false;                          // H2V2 (else H2V1)
+    std::vector<uint8_t> samples;
+    uint8_t* row(int r) { return samples.data() + static_cast<size_t>(r) * step + 1; }
+  };
+
+  void Mcus(int k, const int16_t* const coef[3]);
+  void Strip(int k);
+  const Kro16u* Quant(int c) const { return f_.quant[f_.components[c].quant_table]; }
+
+  const JpegCoefficients& f_;
+  Image* img_;
+  int n_;
+  bool fast_;
+  int strip_h_;
+  int last_ = -1;
+  bool full_[3] = {};
+  const int16_t* prev_[3] = {};  // the full components' coefficients of MCU row last_
+  Chroma chroma_[3];
+  std::vector<uint8_t> strip_;
+  Kro8u* plane_[3] = {};
+};
+
+Reconstructor::Reconstructor(const JpegCoefficients& f, bool fast_upsampling, Image* img)
+    : f_(f), img_(img), n_(static_cast<int>(f.components.size())) {
+  img->width = f.width;
+  img->height = f.height;
+  img->channels = n_;
+  img->pixels.resize(img->row_bytes() * f.height);  // every sample is written
+  fast_ = n_ == 3 && fast_upsampling && McuPathFits(f);
+  strip_h_ = n_ == 1 ? 8 : 8 * f.max_v;
+  if (n_ == 1 || fast_) return;
+  strip_.resize(static_cast<size_t>(f.width) * strip_h_ * 3);
+  for (int c = 0; c < 3; ++c) {
+    plane_[c] = strip_.data() + static_cast<size_t>(f.width) * strip_h_ * c;
+    const JpegComponent& comp = f.components[c];
+    full_[c] = comp.h == f.max_h && comp.v == f.max_v;
+    if (full_[c]) continue;
+    Chroma& ch = chroma_[c];
+    ch.width = ComponentWidth(f, comp);
+    ch.height = ComponentHeight(f, comp);
+    ch.step = ch.width + 2;
+    ch.rows = 8 * comp.v;
+    ch.vertical = comp.v != f.max_v;
+    ch.samples.resize(static_cast<size_t>(ch.step) * (1 + 2 * ch.rows));
+  }
+}
+
+void Reconstructor::Row(int k, const int16_t* const coef[3]) {
+  if (n_ == 1) {
+    const int y0 = 8 * k;
+    InverseTransformRows(coef[0], 0, Quant(0), std::min(8, f_.height - y0), f_.width,
+                         img_->row(y0), f_.width);
+    return;
+  }
+  if (fast_) return Mcus(k, coef);
+  // The sub-sampled components of MCU row k go below those of row k - 1.
+  for (int c = 0; c < 3; ++c) {
+    if (full_[c]) continue;
+    Chroma& ch = chroma_[c];
+    const int first = k == 0 ? 1 : 1 + ch.rows;
+    const int rows = std::min(ch.rows, ch.height - ch.rows * k);
+    InverseTransformRows(coef[c], f_.components[c].blocks_w, Quant(c), rows, ch.width,
+                         ch.row(first), ch.step);
+    for (int r = first; r < first + rows; ++r) {
+      uint8_t* row = ch.row(r);
+      row[-1] = row[0];
+      row[ch.width] = row[ch.width - 1];
+    }
+    if (k == 0) memcpy(ch.row(0) - 1, ch.row(1) - 1, ch.step);  // above the image: row 0
+  }
+  if (k > 0) {
+    Strip(k - 1);
+    for (int c = 0; c < 3; ++c) {
+      if (full_[c]) continue;
+      Chroma& ch = chroma_[c];
+      memcpy(ch.row(0) - 1, ch.row(ch.rows) - 1, ch.step);
+      memcpy(ch.row(1) - 1, ch.row(1 + ch.rows) - 1, static_cast<size_t>(ch.step) * ch.rows);
+    }
+  }
+  for (int c = 0; c < 3; ++c) prev_[c] = coef[c];
+  last_ = k;
+}
+
+void Reconstructor::Finish() {
+  if (n_ == 1 || fast_ || last_ < 0) return;
+  for (int c = 0; c < 3; ++c) {
+    if (full_[c]) continue;
+    // Below the image: its last row repeated.
+    Chroma& ch = chroma_[c];
+    const int r = ch.height - ch.rows * last_;
+    memcpy(ch.row(r + 1) - 1, ch.row(r) - 1, ch.step);
+  }
+  Strip(last_);
+}
+
+void Reconstructor::Strip(int k) {
+  const int w = f_.width, y0 = k * strip_h_, rows = std::min(strip_h_, f_.height - y0);
+  for (int c = 0; c < 3; ++c) {
+    if (full_[c]) {
+      InverseTransformRows(prev_[c], f_.components[c].blocks_w, Quant(c), rows, w, plane_[c], w);
+      continue;
+    }
+    Chroma& ch = chroma_[c];
+    if (ch.vertical) {
+      kroiSampleUpH2V2_JPEG_8u_C1R(ch.row(1), ch.step, {ch.width, (rows + 1) / 2}, plane_[c], w,
+                                   {w, rows});
+    } else {
+      kroiSampleUpH2V1_JPEG_8u_C1R(ch.row(1), ch.step, {ch.width, rows}, plane_[c], w, {w, rows});
+    }
+  }
+  const int step = static_cast<int>(img_->row_bytes());
+  if (f_.ycbcr) {
+    kroiYCbCrToRGB_JPEG_8u_P3C3R(plane_, w, img_->row(y0), step, {w, rows});
+  } else {
+    for (int c = 0; c < 3; ++c) kroiCopy_8u_C1C3R(plane_[c], w, img_->row(y0) + c, step, {w, rows});
+  }
+}
+
+void Reconstructor::Mcus(int k, const int16_t* const coef[3]) {
+  using McuConvert = KroStatus (*)(const Kro16s* [3], Kro8u*, int);
+  const McuConvert convert = f_.max_h == 1   ? kroiYCbCr444ToRGBLS_MCU_16s8u_P3C3R
+                             : f_.max_v == 1 ? kroiYCbCr422ToRGBLS_MCU_16s8u_P3C3R
+                                             : kroiYCbCr411ToRGBLS_MCU_16s8u_P3C3R;
+  const int mcu_w = 8 * f_.max_h, mcu_h = 8 * f_.max_v;
+  const int lum_w = f_.components[0].blocks_w;
+  alignas(32) Kro16s y[256], cb[64], cr[64];
+  const Kro16s* blocks[3] = {y, cb, cr};
+  alignas(32) uint8_t edge[16 * 16 * 3];
+  const int step = static_cast<int>(img_->row_bytes());
+  const int y0 = k * mcu_h, h = std::min(mcu_h, f_.height - y0);
+  for (int mx = 0; mx < McusX(f_); ++mx) {
+    // Luminance blocks left to right, then top to bottom.
+    for (int v = 0; v < f_.max_v; ++v)
+      for (int u = 0; u < f_.max_h; ++u)
+        kroiDCTQuantInv8x8_JPEG_16s_C1(coef[0] + (static_cast<size_t>(v) * lum_w + mx * f_.max_h + u) * 64,
+                                       y + 64 * (v * f_.max_h + u), Quant(0));
+    kroiDCTQuantInv8x8_JPEG_16s_C1(coef[1] + static_cast<size_t>(mx) * 64, cb, Quant(1));
+    kroiDCTQuantInv8x8_JPEG_16s_C1(coef[2] + static_cast<size_t>(mx) * 64, cr, Quant(2));
+    const int x0 = mx * mcu_w;
+    if (x0 + mcu_w <= f_.width && h == mcu_h) {
+      convert(blocks, img_->row(y0) + x0 * 3, step);
+      continue;
+    }
+    convert(blocks, edge, mcu_w * 3);
+    const int w = std::min(mcu_w, f_.width - x0);
+    for (int r = 0; r < h; ++r) memcpy(img_->row(y0 + r) + x0 * 3, edge + r * mcu_w * 3, w * 3);
+  }
+}
+
 // Parses the markers of a file and entropy-decodes its scans.
 class JpegParser {
  public:
-  JpegParser(const uint8_t* data, size_t size, std::string* error) : data_(data), error_(error) {
+  // With an image, a sequential frame coded in one scan is reconstructed into it
+  // while the scan is decoded (then `reconstructed` is set and the frame holds no
+  // coefficients).
+  JpegParser(const uint8_t* data, size_t size, std::string* error, Image* img = nullptr,
+             const JpegDecodeOptions& options = JpegDecodeOptions())
+      : data_(data), error_(error), img_(img), options_(options) {
     size_ =
         size > static_cast<size_t>(std::numeric_limits<int>::max()) ? -1 : static_cast<int>(size);
   }
@@ -57,15 +293,19 @@ class JpegParser {
   bool lossless = false;
   std::vector<std::vector<uint8_t>> lossless_planes;  // samples per component
   bool quant_defined[4] = {};
+  bool reconstructed = false;
 
  private:
   bool Fail(const std::string& message) { return krojcodec::Fail(error_, message); }
   bool NextMarker(int* code);
+  bool IsYCbCr() const;
   bool ParseFrame(int code, const uint8_t* p, int n);
   bool ParseHuffmanTables(const uint8_t* p, int n);
   bool ParseQuantTables(const uint8_t* p, int n);
   bool ParseScanHeader(const uint8_t* p, int n, ScanHeader* scan);
   bool DecodeScan(const ScanHeader& scan);
+  bool StreamFits(const ScanHeader& scan);
+  bool DecodeAndReconstruct(const ScanHeader& scan);
   bool DecodeLossless(const ScanHeader& scan);
   bool NextRestart(int* pos, int* marker, KroiDecodeHuffmanState* state);
   // After a scan: continue parsing at the marker that ended it.
@@ -81,6 +321,8 @@ class JpegParser {
   bool jfif_ = false, adobe_ = false;
   int adobe_transform_ = 1;
   int scans_ = 0;
+  Image* img_;
+  JpegDecodeOptions options_;
 };
 
 bool JpegParser::Run() {
@@ -145,7 +387,14 @@ bool JpegParser::Run() {
         break;
       case kSOS: {
         ScanHeader scan;
-        ok = ParseScanHeader(p, n, &scan) && (lossless ? DecodeLossless(scan) : DecodeScan(scan));
+        ok = ParseScanHeader(p, n, &scan);
+        if (ok && reconstructed)
+          return Fail("a sequential frame codes a component in more than one scan");
+        if (ok) {
+          ok = lossless           ? DecodeLossless(scan)
+               : StreamFits(scan) ? DecodeAndReconstruct(scan)
+                                  : DecodeScan(scan);
+        }
         ++scans_;
         break;
       }
@@ -156,15 +405,17 @@ bool JpegParser::Run() {
   }
   if (frame_code_ == 0) return Fail("the file has no frame header (SOF)");
   if (scans_ == 0) return Fail("the file has no image data (no scan)");
-  frame.ycbcr = frame.components.size() == 3;
-  if (frame.ycbcr) {
-    const auto& c = frame.components;
-    if (adobe_)
-      frame.ycbcr = adobe_transform_ != 0;
-    else if (!jfif_ && c[0].id == 'R' && c[1].id == 'G' && c[2].id == 'B')
-      frame.ycbcr = false;
-  }
+  if (!reconstructed) frame.ycbcr = IsYCbCr();
   return true;
+}
+
+// Three components are YCbCr unless an Adobe marker says otherwise or, without JFIF
+// or Adobe markers, they are named R, G, B.
+bool JpegParser::IsYCbCr() const {
+  const auto& c = frame.components;
+  if (c.size() != 3) return false;
+  if (adobe_) return adobe_transform_ != 0;
+  return jfif_ || !(c[0].id == 'R' && c[1].id == 'G' && c[2].id == 'B');
 }
 
 // Finds the next marker from pos_, passing over fill bytes and anything that is not
@@ -233,7 +484,7 @@ bool JpegParser::ParseFrame(int code, const uint8_t* p, int n) {
     lossless_planes.assign(count,
                            std::vector<uint8_t>(static_cast<size_t>(frame.width) * frame.height));
   } else {
-    SetGeometry(&frame);
+    SetGeometry(&frame, false);  // allocated by the first scan that needs them
   }
   return true;
 }
@@ -363,6 +614,7 @@ bool JpegParser::NextRestart(int* pos, int* marker, KroiDecodeHuffmanState* stat
 }
 
 bool JpegParser::DecodeScan(const ScanHeader& scan) {
+  AllocateCoefficients(&frame);
   const KroiDecodeHuffmanSpec* dc[4] = {};
   const KroiDecodeHuffmanSpec* ac[4] = {};
   for (size_t k = 0; k < scan.components.size(); ++k) {
@@ -415,6 +667,84 @@ bool JpegParser::DecodeScan(const ScanHeader& scan) {
   return true;
 }
 
+// A sequential frame whose first scan holds every component, which the decoder can
+// turn into pixels as it goes (Reconstructor).
+bool JpegParser::StreamFits(const ScanHeader& scan) {
+  if (img_ == nullptr || frame.progressive || scans_ != 0 ||
+      scan.components.size() != frame.components.size())
+    return false;
+  frame.ycbcr = IsYCbCr();
+  return ReconstructionError(frame, quant_defined).empty();
+}
+
+// The scan decoded one MCU row at a time into two alternating rows of coefficients
+// (the reconstructor keeps the previous one), each row reconstructed once decoded.
+bool JpegParser::DecodeAndReconstruct(const ScanHeader& scan) {
+  const int n = static_cast<int>(frame.components.size());
+  const KroiDecodeHuffmanSpec* dc[3] = {};
+  const KroiDecodeHuffmanSpec* ac[3] = {};
+  int comp[3] = {};  // frame index of each scan component
+  for (int k = 0; k < n; ++k) {
+    comp[k] = scan.components[k];
+    dc[k] = dc_[scan.dc_table[k]].get();
+    ac[k] = ac_[scan.ac_table[k]].get();
+  }
+  // A one-component scan walks that component's blocks (T.81 A.2.2), one per MCU.
+  const bool single = n == 1;
+  const int mcus_x = single ? frame.components[0].width_in_blocks : McusX(frame);
+  const int mcus_y = single ? frame.components[0].height_in_blocks : McusY(frame);
+  std::vector<int16_t> rows[2][3];
+  for (int c = 0; c < n; ++c) {
+    const JpegComponent& fc = frame.components[c];
+    const size_t blocks = single ? static_cast<size_t>(mcus_x) : size_t{1} * fc.blocks_w * fc.v;
+    rows[0][c].resize(blocks * 64);
+    rows[1][c].resize(blocks * 64);
+  }
+  // Each block of an MCU: its scan component, its place in the MCU row's buffer at
+  // mx = 0 and the step from one MCU to the next.
+  struct McuBlock {
+    int k;
+    size_t at, step;
+  } blocks[10];
+  int count = 0;
+  for (int k = 0; k < n; ++k) {
+    const JpegComponent& c = frame.components[comp[k]];
+    const int h = single ? 1 : c.h, v = single ? 1 : c.v;
+    for (int y = 0; y < v; ++y)
+      for (int x = 0; x < h; ++x)
+        blocks[count++] = {k, (static_cast<size_t>(y) * c.blocks_w + x) * 64, size_t{64} * h};
+  }
+  Reconstructor rec(frame, options_.fast_upsampling, img_);
+  DecodeState state = MakeDecodeState();
+  KroiDecodeHuffmanState* st = state.get();
+  Kro16s last_dc[3] = {};
+  int pos = pos_, marker = 0, m = 0;
+  for (int my = 0; my < mcus_y; ++my) {
+    int16_t* row[3] = {};
+    for (int c = 0; c < n; ++c) row[c] = rows[my & 1][c].data();
+    int16_t* first[10];
+    for (int i = 0; i < count; ++i) first[i] = row[comp[blocks[i].k]] + blocks[i].at;
+    for (int mx = 0; mx < mcus_x; ++mx, ++m) {
+      if (restart_interval_ != 0 && m != 0 && m % restart_interval_ == 0) {
+        std::fill(std::begin(last_dc), std::end(last_dc), 0);
+        if (!NextRestart(&pos, &marker, st)) return false;
+      }
+      for (int i = 0; i < count; ++i) {
+        const int k = blocks[i].k;
+        const KroStatus status = kroiDecodeHuffman8x8_JPEG_1u16s_C1(
+            data_, size_, &pos, first[i] + mx * blocks[i].step, &last_dc[k], &marker, dc[k],
+            ac[k], st);
+        if (status != kroStatusOk) return Fail(EntropyError(status));
+      }
+    }
+    rec.Row(my, row);
+  }
+  rec.Finish();
+  reconstructed = true;
+  EndScan(pos, marker);
+  return true;
+}
+
 bool JpegParser::DecodeLossless(const ScanHeader& scan) {
   if (restart_interval_ != 0)
     return Fail("restart intervals in lossless JPEG files are not supported");
@@ -433,156 +763,19 @@ bool JpegParser::DecodeLossless(const ScanHeader& scan) {
   return true;
 }
 
-// ---------------------------------------------------------------------------
-// Reconstruction
-
-// Dequantisation, inverse DCT, +128 and clamping (kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R)
-// of the blocks that cover sample rows y0 .. y0 + rows - 1 of a component (y0 a
-// multiple of 8), width samples wide, into dst (the place of row y0). Blocks crossing
-// the right or bottom edge go through a scratch block.
-void InverseTransformRows(const JpegComponent& c, const Kro16u* table, int y0, int rows, int width,
-                          uint8_t* dst, int step) {
-  alignas(32) uint8_t edge[64];
-  for (int r0 = 0; r0 < rows; r0 += 8) {
-    const int by = (y0 + r0) / 8, h = std::min(8, rows - r0);
-    for (int x0 = 0; x0 < width; x0 += 8) {
-      uint8_t* out = dst + static_cast<size_t>(r0) * step + x0;
-      const Kro16s* block = c.block(x0 / 8, by);
-      if (x0 + 8 <= width && h == 8) {
-        kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(block, out, step, table);
-        continue;
-      }
-      kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(block, edge, 8, table);
-      const int w = std::min(8, width - x0);
-      for (int r = 0; r < h; ++r) memcpy(out + static_cast<size_t>(r) * step, edge + 8 * r, w);
-    }
-  }
-}
-
-// A sub-sampled component decoded whole, with the border of repeated edge samples that
-// the plane up-samplers read one sample around their source region.
-struct BorderedPlane {
-  int width = 0, height = 0, step = 0;
-  std::vector<uint8_t> samples;
-  const uint8_t* row(int y) const { return samples.data() + static_cast<size_t>(y + 1) * step + 1; }
-};
-
-BorderedPlane DecodeBordered(const JpegCoefficients& f, const JpegComponent& c) {
-  BorderedPlane p;
-  p.width = ComponentWidth(f, c);
-  p.height = ComponentHeight(f, c);
-  p.step = p.width + 2;
-  p.samples.resize(static_cast<size_t>(p.step) * (p.height + 2));
-  uint8_t* inner = p.samples.data() + p.step + 1;
-  InverseTransformRows(c, f.quant[c.quant_table], 0, p.height, p.width, inner, p.step);
-  for (int y = 0; y < p.height; ++y) {
-    uint8_t* row = inner + static_cast<size_t>(y) * p.step;
-    row[-1] = row[0];
-    row[p.width] = row[p.width - 1];
-  }
-  memcpy(p.samples.data(), p.samples.data() + p.step, p.step);
-  memcpy(p.samples.data() + static_cast<size_t>(p.height + 1) * p.step,
-         p.samples.data() + static_cast<size_t>(p.height) * p.step, p.step);
-  return p;
-}
-
-// Smooth path, one strip of MCU rows at a time so that the working rows stay in cache:
-// full-resolution components are inverse transformed into the strip, sub-sampled ones
-// are enlarged into it by the triangle filters (kroiSampleUpH2V1/H2V2_JPEG_8u_C1R, which
-// read their neighbour rows from the whole bordered plane), then one colour conversion
-// (kroiYCbCrToRGB_JPEG_8u_P3C3R, whose three planes share one row step) writes the
-// strip's pixels.
-void ReconstructByStrips(const JpegCoefficients& f, Image* img) {
-  const int w = f.width, strip_h = 8 * f.max_v;
-  BorderedPlane small[3];
-  bool full[3];
-  for (int c = 0; c < 3; ++c) {
-    const JpegComponent& comp = f.components[c];
-    full[c] = comp.h == f.max_h && comp.v == f.max_v;
-    if (!full[c]) small[c] = DecodeBordered(f, comp);
-  }
-  std::vector<uint8_t> strip(static_cast<size_t>(w) * strip_h * 3);
-  Kro8u* plane[3];
-  for (int c = 0; c < 3; ++c) plane[c] = strip.data() + static_cast<size_t>(w) * strip_h * c;
-  const int step = static_cast<int>(img->row_bytes());
-  for (int y0 = 0; y0 < f.height; y0 += strip_h) {
-    const int rows = std::min(strip_h, f.height - y0);
-    for (int c = 0; c < 3; ++c) {
-      const JpegComponent& comp = f.components[c];
-      if (full[c]) {
-        InverseTransformRows(comp, f.quant[comp.quant_table], y0, rows, w, plane[c], w);
-      } else if (comp.v == f.max_v) {
-        kroiSampleUpH2V1_JPEG_8u_C1R(small[c].row(y0), small[c].step, {small[c].width, rows},
-                                     plane[c], w, {w, rows});
-      } else {
-        kroiSampleUpH2V2_JPEG_8u_C1R(small[c].row(y0 / 2), small[c].step,
-                                     {small[c].width, (rows + 1) / 2}, plane[c], w, {w, rows});
-      }
-    }
-    if (f.ycbcr) {
-      kroiYCbCrToRGB_JPEG_8u_P3C3R(plane, w, img->row(y0), step, {w, rows});
-    } else {
-      for (int c = 0; c < 3; ++c) kroiCopy_8u_C1C3R(plane[c], w, img->row(y0) + c, step, {w, rows});
-    }
-  }
-}
-
-// Whether the MCU functions cover this frame: YCbCr with the luminance at 1x1, 2x1 or
-// 2x2 and both chroma components at 1x1.
-bool McuPathFits(const JpegCoefficients& f) {
-  const auto& c = f.components;
-  return f.ycbcr && c[0].h == f.max_h && c[0].v == f.max_v && f.max_h <= 2 && f.max_v <= f.max_h &&
-         c[1].h == 1 && c[1].v == 1 && c[2].h == 1 && c[2].v == 1;
-}
-
-// Fast path: per MCU, dequantisation + inverse DCT of each block to level-shifted
-// samples (kroiDCTQuantInv8x8_JPEG_16s_C1), then one call that replicates the chroma,
-// converts to RGB and stores the pixels.
-void ReconstructByMcu(const JpegCoefficients& f, Image* img) {
-  using McuConvert = KroStatus (*)(const Kro16s* [3], Kro8u*, int);
-  const McuConvert convert = f.max_h == 1   ? kroiYCbCr444ToRGBLS_MCU_16s8u_P3C3R
-                             : f.max_v == 1 ? kroiYCbCr422ToRGBLS_MCU_16s8u_P3C3R
-                                            : kroiYCbCr411ToRGBLS_MCU_16s8u_P3C3R;
-  const int mcu_w = 8 * f.max_h, mcu_h = 8 * f.max_v, luma_blocks = f.max_h * f.max_v;
-  alignas(32) Kro16s y[256], cb[64], cr[64];
-  const Kro16s* blocks[3] = {y, cb, cr};
-  alignas(32) uint8_t edge[16 * 16 * 3];
-  const int step = static_cast<int>(img->row_bytes());
-  const JpegComponent& lum = f.components[0];
-  const Kro16u* ql = f.quant[lum.quant_table];
-  const Kro16u* qb = f.quant[f.components[1].quant_table];
-  const Kro16u* qr = f.quant[f.components[2].quant_table];
-  for (int my = 0; my < McusY(f); ++my) {
-    for (int mx = 0; mx < McusX(f); ++mx) {
-      for (int b = 0; b < luma_blocks; ++b)
-        kroiDCTQuantInv8x8_JPEG_16s_C1(
-            lum.block(mx * f.max_h + b % f.max_h, my * f.max_v + b / f.max_h), y + 64 * b, ql);
-      kroiDCTQuantInv8x8_JPEG_16s_C1(f.components[1].block(mx, my), cb, qb);
-      kroiDCTQuantInv8x8_JPEG_16s_C1(f.components[2].block(mx, my), cr, qr);
-      const int x0 = mx * mcu_w, y0 = my * mcu_h;
-      if (x0 + mcu_w <= f.width && y0 + mcu_h <= f.height) {
-        convert(blocks, img->row(y0) + x0 * 3, step);
-        continue;
-      }
-      convert(blocks, edge, mcu_w * 3);
-      const int w = std::min(mcu_w, f.width - x0), h = std::min(mcu_h, f.height - y0);
-      for (int r = 0; r < h; ++r) memcpy(img->row(y0 + r) + x0 * 3, edge + r * mcu_w * 3, w * 3);
-    }
-  }
-}
-
 bool Reconstruct(const JpegParser& parser, const JpegDecodeOptions& options, Image* img,
                  std::string* error) {
+  if (parser.reconstructed) return true;
   const JpegCoefficients& f = parser.frame;
   const int n = static_cast<int>(f.components.size());
   if (n != 1 && n != 3)
     return Fail(error, "only grey and three-component JPEG files can be decoded to pixels");
-  img->width = f.width;
-  img->height = f.height;
-  img->channels = n;
-  img->pixels.assign(img->row_bytes() * f.height, 0);
 
   if (parser.lossless) {
+    img->width = f.width;
+    img->height = f.height;
+    img->channels = n;
+    img->pixels.resize(img->row_bytes() * f.height);
     const int step = static_cast<int>(img->row_bytes());
     const auto& planes = parser.lossless_planes;
     if (n == 1) {
@@ -598,25 +791,19 @@ bool Reconstruct(const JpegParser& parser, const JpegDecodeOptions& options, Ima
     return true;
   }
 
-  for (const JpegComponent& c : f.components) {
-    if (!parser.quant_defined[c.quant_table])
-      return Fail(error, "a component uses an undefined quantisation table");
-    const bool full = c.h == f.max_h && c.v == f.max_v;
-    const bool half = c.h * 2 == f.max_h && (c.v == f.max_v || c.v * 2 == f.max_v);
-    if (!full && !half)
-      return Fail(error, "sampling factors " + std::to_string(c.h) + "x" + std::to_string(c.v) +
-                             " against " + std::to_string(f.max_h) + "x" + std::to_string(f.max_v) +
-                             " are not supported (chroma must be full, half width or half size)");
+  const std::string why = ReconstructionError(f, parser.quant_defined);
+  if (!why.empty()) return Fail(error, why);
+  Reconstructor rec(f, options.fast_upsampling, img);
+  const int rows = n == 1 ? f.components[0].height_in_blocks : McusY(f);
+  for (int k = 0; k < rows; ++k) {
+    const int16_t* coef[3] = {};
+    for (int c = 0; c < n; ++c) {
+      const JpegComponent& comp = f.components[c];
+      coef[c] = comp.block(0, n == 1 ? k : k * comp.v);
+    }
+    rec.Row(k, coef);
   }
-  if (n == 1) {
-    const JpegComponent& c = f.components[0];
-    InverseTransformRows(c, f.quant[c.quant_table], 0, f.height, f.width, img->pixels.data(),
-                         f.width);
-  } else if (options.fast_upsampling && McuPathFits(f)) {
-    ReconstructByMcu(f, img);
-  } else {
-    ReconstructByStrips(f, img);
-  }
+  rec.Finish();
   return true;
 }
 
@@ -624,7 +811,7 @@ bool Reconstruct(const JpegParser& parser, const JpegDecodeOptions& options, Ima
 
 bool DecodeJpeg(const uint8_t* data, size_t size, Image* img, std::string* error,
                 const JpegDecodeOptions& options) {
-  JpegParser parser(data, size, error);
+  JpegParser parser(data, size, error, img, options);
   return parser.Run() && Reconstruct(parser, options, img, error);
 }
 

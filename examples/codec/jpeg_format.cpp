@@ -245,7 +245,7 @@ int ComponentHeight(const JpegCoefficients& f, const JpegComponent& c) {
 int McusX(const JpegCoefficients& f) { return (f.width + 8 * f.max_h - 1) / (8 * f.max_h); }
 int McusY(const JpegCoefficients& f) { return (f.height + 8 * f.max_v - 1) / (8 * f.max_v); }
 
-void SetGeometry(JpegCoefficients* f) {
+void SetGeometry(JpegCoefficients* f, bool allocate) {
   f->max_h = f->max_v = 1;
   for (const JpegComponent& c : f->components) {
     f->max_h = std::max(f->max_h, c.h);
@@ -256,7 +256,14 @@ void SetGeometry(JpegCoefficients* f) {
     c.height_in_blocks = (ComponentHeight(*f, c) + 7) / 8;
     c.blocks_w = McusX(*f) * c.h;
     c.blocks_h = McusY(*f) * c.v;
-    c.coef.assign(static_cast<size_t>(c.blocks_w) * c.blocks_h * 64, 0);
+    c.coef.clear();
+  }
+  if (allocate) AllocateCoefficients(f);
+}
+
+void AllocateCoefficients(JpegCoefficients* f) {
+  for (JpegComponent& c : f->components) {
+    if (c.coef.empty()) c.coef.assign(static_cast<size_t>(c.blocks_w) * c.blocks_h * 64, 0);
   }
 }
 

@@ -127,8 +127,11 @@ int McusX(const JpegCoefficients& f);
 int McusY(const JpegCoefficients& f);
 
 // Sets max_h/max_v and every component's block counts from the frame size and the
-// sampling factors, and allocates zeroed coefficients.
-void SetGeometry(JpegCoefficients* f);
+// sampling factors, and (unless allocate is false) allocates zeroed coefficients.
+void SetGeometry(JpegCoefficients* f, bool allocate = true);
+
+// Allocates zeroed coefficients for every component that has none.
+void AllocateCoefficients(JpegCoefficients* f);
 
 // Visits the blocks of a scan in coding order (T.81 A.2): a scan of one component
 // walks that component's own blocks row by row, one block per MCU; an interleaved
