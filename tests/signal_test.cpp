@@ -68,7 +68,11 @@ KroStatus Call(KroStatus (*f)(Args...), const Plan& p) {
       const int ordinal = static_cast<int>(std::count(kPtr, kPtr + i, true));
       return ordinal == p.null_ptr ? nullptr : reinterpret_cast<T>(g_buf[ordinal]);
     } else {
-      if (i == kLenAt) return static_cast<T>(p.len);
+      if (i == kLenAt) {
+        // clang has no parenthesised aggregate initialisation: spell it out.
+        if constexpr (std::is_arithmetic_v<T>) return static_cast<T>(p.len);
+        else return T{static_cast<decltype(T{}.re)>(p.len), {}};
+      }
       if (i == kLenAt + 1) return T{};  // scale factor 0
       return Value<T>(p.zero_val);
     }
