@@ -66,6 +66,7 @@ struct CodedBlock {
   size_t first = 0;  // offset of length[0] in the per-pass arrays
   int passes = 0;
   int zero_planes = 0;
+  int dropped = 0;  // lowest magnitude bit-planes not coded
 };
 
 class Encoder {
@@ -81,9 +82,13 @@ class Encoder {
   void LoadPlanes();
   bool Transform(std::string* error);
   bool SetGuardBits(std::string* error);
+  template <class Visit>
+  bool ForEachBlock(Visit visit);
   bool CodeBlocks(std::string* error);
-  bool CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, double weight,
+  bool CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, double weight, int drop,
                     std::string* error);
+  bool RecodeBlocksAtTheirEnd(const std::vector<int>& cut, bool all, bool* recoded,
+                              std::string* error);
   bool AllocateLayers(size_t budget, std::string* error);
   size_t PacketBytes(int last_layer);
   void TightenFinalCuts();
@@ -95,9 +100,12 @@ class Encoder {
   Header header_;
   Tile tile_;
   int layers_ = 1;
+  int drop_planes_ = 0;  // lowest bit-planes left uncoded at first (rate-targeted files)
+  int recode_rounds_ = 0;
   std::vector<std::vector<int32_t>> planes_;
   KroiEncodeState_JPEG2K* state_ = nullptr;
   std::vector<uint8_t> arena_;
+  uint8_t bytes_[8192];
   std::vector<CodedBlock> blocks_;
   std::vector<int> length_;        // per block: bytes after 0..passes passes
   std::vector<double> dist_;       // per block: weighted distortion reduction after 0..passes
@@ -227,6 +235,15 @@ bool Encoder::CodeBlocks(std::string* error) {
     return false;
   blocks_.assign(static_cast<size_t>(tile_.num_blocks), CodedBlock{});
   arena_.reserve(img_.pixels.size() / (opt_.lossless ? 1 : 2) + 4096);
+  return ForEachBlock([&](int c, const Band& band, const j2k::CodeBlock& cb, double weight) {
+    return CodeOneBlock(c, band, cb, weight, drop_planes_, error);
+  });
+}
+
+// Calls visit(component, band, code-block, distortion weight) for every code-block
+// while it returns true.
+template <class Visit>
+bool Encoder::ForEachBlock(Visit visit) {
   for (size_t c = 0; c < tile_.comps.size(); ++c) {
     const TileComponent& tc = tile_.comps[c];
     const double cw = ComponentWeight(img_.channels, tc.reversible, static_cast<int>(c));
@@ -237,7 +254,7 @@ bool Encoder::CodeBlocks(std::string* error) {
           const double weight =
               cw * band.step * band.step * SynthesisGain(tc.reversible, band.orient, band.level);
           for (const j2k::CodeBlock& cb : p.bands[k].blocks)
-            if (!CodeOneBlock(static_cast<int>(c), band, cb, weight, error)) return false;
+            if (!visit(static_cast<int>(c), band, cb, weight)) return false;
         }
       }
     }
@@ -245,12 +262,32 @@ bool Encoder::CodeBlocks(std::string* error) {
   return true;
 }
 
+// A block whose final cut took every coded pass may have wanted some of the planes left
+// uncoded: code it again with all of them (its new bytes go to the end of the arena),
+// and the caller allocates again. The new allocation may bring a few more blocks to
+// their end; after four rounds, or when everything fits the budget (all), every block
+// still short of planes is coded again, those without any coded pass included.
+bool Encoder::RecodeBlocksAtTheirEnd(const std::vector<int>& cut, bool all, bool* recoded,
+                                     std::string* error) {
+  all = all || recode_rounds_ >= 4;
+  *recoded = false;
+  const bool ok =
+      ForEachBlock([&](int c, const Band& band, const j2k::CodeBlock& cb, double weight) {
+        const CodedBlock& b = blocks_[cb.index];
+        if (b.dropped == 0 || (!all && (b.passes == 0 || cut[cb.index] < b.passes))) return true;
+        *recoded = true;
+        return CodeOneBlock(c, band, cb, weight, 0, error);
+      });
+  recode_rounds_ += *recoded;
+  return ok;
+}
+
 // Tier-1 coding of one code-block: sign-magnitude words with the band's Mb magnitude
 // bit-planes left-aligned (bits 30 down to 31 - Mb); on the irreversible path the bits
 // below carry the fraction of |coefficient| / step, which the coder does not code but
 // uses for its distortion estimates.
 bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, double weight,
-                           std::string* error) {
+                           int drop, std::string* error) {
   const int w = cb.width(), h = cb.height(), stride = img_.width;
   const int32_t* src = planes_[c].data() +
                        static_cast<size_t>(band.buf_y + cb.y0 - band.y0) * stride + band.buf_x +
@@ -272,11 +309,16 @@ bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, do
     }
   }
   // Lossless coding makes the last plane exact, which flag 32 tells the distortion
-  // estimates; every segment ends with the shortest termination.
+  // estimates. The block's one segment ends with the plain flush: the shortest
+  // termination saves about a byte per block but makes the coder offer its queue after
+  // every decision, which cost a fifth of the encoding time. Dropped planes are simply
+  // not coded: the coder stops drop planes early, and its distortions come in units of
+  // the last plane it codes.
+  const int coded_mb = std::max(std::min(band.mb, 1), band.mb - drop);
   int sf_bits = 0, passes = 0, segments = 0;
   KroStatus st = kroiEncodeLoadCodeBlock_JPEG2K_32s_C1R(
-      words, w * 4, KroiSize{w, h}, state_, CoderSubband(band.orient), band.mb, kroMQTermMinimal, 0,
-      opt_.lossless ? 32 : 0, &sf_bits, &passes, &segments);
+      words, w * 4, KroiSize{w, h}, state_, CoderSubband(band.orient), coded_mb, kroMQTermFlush,
+      0, opt_.lossless ? 32 : 0, &sf_bits, &passes, &segments);
   if (LibraryFailed(st, "code-block encoder", error)) return false;
 
   CodedBlock& out = blocks_[cb.index];
@@ -284,14 +326,16 @@ bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, do
   out.first = length_.size();
   out.passes = passes;
   out.zero_planes = std::min(31 - sf_bits, band.mb);
+  out.dropped = band.mb - coded_mb;
+  const double unit = ldexp(weight, 2 * out.dropped);
+  // The bytes come through a scratch buffer: growing the arena by a whole request would
+  // clear it first, which cost more than the copy.
   int not_finished = passes > 0;
   while (not_finished) {
-    const size_t used = arena_.size();
-    arena_.resize(used + 8192);
-    int len = 8192;
-    st = kroiEncodeStoreBits_JPEG2K_1u(arena_.data() + used, &len, state_, &not_finished);
+    int len = static_cast<int>(sizeof(bytes_));
+    st = kroiEncodeStoreBits_JPEG2K_1u(bytes_, &len, state_, &not_finished);
     if (LibraryFailed(st, "code-block byte output", error)) return false;
-    arena_.resize(used + static_cast<size_t>(len));
+    arena_.insert(arena_.end(), bytes_, bytes_ + len);
   }
   const uint8_t* data = arena_.data() + out.data;
   length_.push_back(0);
@@ -304,7 +348,7 @@ bool Encoder::CodeOneBlock(int c, const Band& band, const j2k::CodeBlock& cb, do
     // A truncated segment need not end on 0xFF: the decoder reads 0xFF past the end.
     if (j + 1 < passes && rate > 0 && data[rate - 1] == 0xFF) --rate;
     length_.push_back(rate);
-    dist_.push_back(d * weight);
+    dist_.push_back(d * unit);
   }
   // Keep the lengths non-decreasing after the trimming above.
   for (size_t j = length_.size() - 1; j > out.first + 1; --j)
@@ -337,6 +381,7 @@ size_t Encoder::PacketBytes(int last_layer) {
 // geometrically up to the whole budget; budget 0 means keep every pass in the last layer.
 bool Encoder::AllocateLayers(size_t budget, std::string* error) {
   const int nb = tile_.num_blocks;
+  rate_ = RateAllocator();
   layer_passes_.assign(static_cast<size_t>(nb) * layers_, 0);
   encoded_.assign(static_cast<size_t>(nb), EncodedBlock{});
   for (int b = 0; b < nb; ++b) {
@@ -358,9 +403,12 @@ bool Encoder::AllocateLayers(size_t budget, std::string* error) {
   const double step = layers_ > 1 ? std::min(1.0, 6.0 / (layers_ - 1)) : 1.0;
   double lambda = std::numeric_limits<double>::infinity();
   std::vector<int> floor_cut(static_cast<size_t>(nb), 0);  // what the previous layer took
+  bool recoded = false;
   for (int l = 0; l < layers_; ++l) {
     if (l == layers_ - 1 && keep_all) {
       for (int b = 0; b < nb; ++b) cut[b] = blocks_[b].passes;
+      if (!RecodeBlocksAtTheirEnd(cut, true, &recoded, error)) return false;
+      if (recoded) return AllocateLayers(budget, error);
       SetLayer(cut, l);
       break;
     }
@@ -377,6 +425,10 @@ bool Encoder::AllocateLayers(size_t budget, std::string* error) {
     for (int b = 0; b < nb; ++b) cut[b] = std::max(floor_cut[b], rate_.Cut(b, lambda));
     rate_.Fill(target, &cut, measure);
     SetLayer(cut, l);
+    if (l == layers_ - 1) {
+      if (!RecodeBlocksAtTheirEnd(cut, false, &recoded, error)) return false;
+      if (recoded) return AllocateLayers(budget, error);
+    }
     if (l == layers_ - 1 && opt_.exact_truncation) {
       TightenFinalCuts();
       rate_.Fill(target, &cut, measure);  // spend what the shorter cuts freed
@@ -449,6 +501,14 @@ bool Encoder::Run(std::vector<uint8_t>* out, std::string* error) {
   SetHeader();
   if (!BuildTile(header_, &tile_, error)) return false;
   LoadPlanes();
+  // At a target rate the lowest bit-planes are rarely kept, and they are the costliest to
+  // code: leave out some, fewer the more bits per sample the target allows (0.4 bits per
+  // sample, 20:1 for RGB, drops two; a bit per sample or more drops none). The blocks that turn out to need them are coded
+  // again with every plane.
+  if (opt_.bits_per_pixel > 0) {
+    const double per_sample = opt_.bits_per_pixel / img_.channels;
+    drop_planes_ = static_cast<int>(std::clamp(floor(log2(1.6 / per_sample)), 0.0, 3.0));
+  }
   if (!Transform(error) || !SetGuardBits(error) || !CodeBlocks(error)) return false;
 
   std::vector<uint8_t> cs;

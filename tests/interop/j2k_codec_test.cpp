@@ -431,6 +431,25 @@ TEST(J2kCodec, LossyWithoutTargetKeepsEveryPass) {
   EXPECT_NEAR(Psnr(img, Decode(file)), Psnr(img, by_opj), 0.05);
 }
 
+// A target that the whole file fits gives the file without a target, for both paths:
+// the encoder, which at low targets leaves out the lowest bit-planes at first, must
+// then code every block again with all of them. The steep ramp keeps the file small.
+TEST(J2kCodec, TargetAboveTheWholeFileKeepsEveryPlane) {
+  Image img;
+  img.width = 96;
+  img.height = 80;
+  img.channels = 1;
+  for (int y = 0; y < img.height; ++y)
+    for (int x = 0; x < img.width; ++x) img.pixels.push_back(static_cast<uint8_t>(2 * x + y));
+  for (const bool lossless : {true, false}) {
+    J2kEncodeOptions o = lossless ? J2kEncodeOptions{} : Lossy(0.0);
+    const std::vector<uint8_t> whole = Encode(img, o);
+    o.bits_per_pixel = 0.6;  // leaves out one plane at first
+    ASSERT_LT(Bpp(whole.size(), img), o.bits_per_pixel) << lossless;
+    EXPECT_EQ(Encode(img, o), whole) << lossless;
+  }
+}
+
 // ---- Malformed and unsupported input ----
 
 TEST(J2kCodec, RefusesWhatItDoesNotSupport) {
