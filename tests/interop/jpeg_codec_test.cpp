@@ -12,11 +12,13 @@
 #include <stdio.h>
 
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "codec/image_io.h"
+#include "codec/jpeg_format.h"
 #include "test_util.h"
 
 namespace {
@@ -378,6 +380,94 @@ TEST(JpegCodecInterop, UnsupportedSamplingReadsCoefficientsAndRefusesPixels) {
 TEST(JpegCodecInterop, OurDecoderOnRealPhotos) {
   for (const char* name : {"rocket.jpg", "hubble_deep_field.jpg", "retina.jpg"})
     CheckOurDecoder(name, LoadBytes(name), 44.0, 30.0);
+}
+
+// The smooth reconstruction over whole planes: every component inverse transformed
+// whole, the sub-sampled ones given a border of repeated edge samples and enlarged by
+// the plane up-samplers, then one colour conversion. The decoder does the same strip
+// by strip, which this pins (edge rows and columns above all).
+Image WholePlanes(const JpegCoefficients& f) {
+  const int n = static_cast<int>(f.components.size()), w = f.width, h = f.height;
+  std::vector<std::vector<uint8_t>> planes(n, std::vector<uint8_t>(size_t{1} * w * h));
+  for (int c = 0; c < n; ++c) {
+    const krojcodec::JpegComponent& comp = f.components[c];
+    const int cw = krojcodec::ComponentWidth(f, comp), ch = krojcodec::ComponentHeight(f, comp);
+    const int step = cw + 2;
+    std::vector<uint8_t> b(size_t{1} * step * (ch + 2));
+    for (int y = 0; y < ch; ++y) {
+      for (int x = 0; x < cw; ++x) {
+        uint8_t block[64];
+        kroiDCTQuantInv8x8LS_JPEG_16s8u_C1R(comp.block(x / 8, y / 8), block, 8,
+                                            f.quant[comp.quant_table]);
+        b[size_t{1} * (y + 1) * step + x + 1] = block[8 * (y % 8) + x % 8];
+      }
+      b[size_t{1} * (y + 1) * step] = b[size_t{1} * (y + 1) * step + 1];
+      b[size_t{1} * (y + 1) * step + cw + 1] = b[size_t{1} * (y + 1) * step + cw];
+    }
+    std::copy_n(b.begin() + step, step, b.begin());
+    std::copy_n(b.begin() + size_t{1} * ch * step, step, b.begin() + size_t{1} * (ch + 1) * step);
+    const uint8_t* inner = b.data() + step + 1;
+    if (cw == w && ch == h) {
+      for (int y = 0; y < h; ++y) std::copy_n(inner + size_t{1} * y * step, w, &planes[c][size_t{1} * y * w]);
+    } else if (ch == h) {
+      kroiSampleUpH2V1_JPEG_8u_C1R(inner, step, {cw, ch}, planes[c].data(), w, {w, h});
+    } else {
+      kroiSampleUpH2V2_JPEG_8u_C1R(inner, step, {cw, ch}, planes[c].data(), w, {w, h});
+    }
+  }
+  Image img;
+  img.width = w;
+  img.height = h;
+  img.channels = n;
+  img.pixels = planes[0];
+  if (n == 3) {
+    img.pixels.resize(img.row_bytes() * h);
+    const Kro8u* src[3] = {planes[0].data(), planes[1].data(), planes[2].data()};
+    kroiYCbCrToRGB_JPEG_8u_P3C3R(src, w, img.pixels.data(), 3 * w, {w, h});
+  }
+  return img;
+}
+
+// Sequential files are coded and decoded one MCU at a time, other files through the
+// frame's coefficient arrays. Asking for the coefficients takes the second way when
+// encoding, a progressive file of the same coefficients when decoding: bytes and
+// pixels must not depend on the way (partial MCUs, restarts, chroma edge rows).
+TEST(JpegCodecPaths, McuAtATimeMatchesWholeFrame) {
+  const Image chelsea = Load("chelsea.ppm");
+  const Image images[] = {Crop(chelsea, 151, 66), Crop(chelsea, 17, 33), Crop(chelsea, 9, 2),
+                          Crop(Load("camera.pgm"), 37, 21)};
+  for (const Image& img : images) {
+    for (ChromaSampling s : {ChromaSampling::k444, ChromaSampling::k422, ChromaSampling::k420,
+                             ChromaSampling::kGrey}) {
+      for (int restart : {0, 5}) {
+        SCOPED_TRACE(testing::Message() << img.width << "x" << img.height << "x" << img.channels
+                                        << " sampling " << static_cast<int>(s) << " restart "
+                                        << restart);
+        JpegEncodeOptions o;
+        o.sampling = s;
+        o.restart_interval = restart;
+        std::vector<uint8_t> by_mcu, by_frame, progressive;
+        std::string error;
+        JpegCoefficients coef;
+        ASSERT_TRUE(krojcodec::EncodeJpeg(img, o, &by_mcu, &error)) << error;
+        ASSERT_TRUE(krojcodec::EncodeJpeg(img, o, &by_frame, &error, &coef)) << error;
+        EXPECT_EQ(by_mcu, by_frame);
+        o.progressive = true;
+        ASSERT_TRUE(krojcodec::EncodeJpeg(img, o, &progressive, &error)) << error;
+        const Image expected = WholePlanes(coef);
+        for (bool fast : {false, true}) {
+          krojcodec::JpegDecodeOptions d;
+          d.fast_upsampling = fast;
+          Image a, b;
+          ASSERT_TRUE(krojcodec::DecodeJpeg(by_mcu.data(), by_mcu.size(), &a, &error, d));
+          ASSERT_TRUE(
+              krojcodec::DecodeJpeg(progressive.data(), progressive.size(), &b, &error, d));
+          EXPECT_EQ(a.pixels, b.pixels) << "fast " << fast;
+          if (!fast) EXPECT_EQ(a.pixels, expected.pixels);
+        }
+      }
+    }
+  }
 }
 
 // ---------------------------------------------------------------------------
