@@ -10,6 +10,10 @@
 // per 8 to 32 coefficients, and, when the destination has room for the worst case,
 // go through a 64-bit bit window without capacity checks. The checked path, byte by
 // byte, remains for the end of the buffer; both leave the same bytes and state.
+// Then (about 530 instructions per block of the interleaved scan): 45 per AC value,
+// and per call about 45 for the dispatch, 45 for the mask, 100 for the checks, the DC
+// difference and EOB, and the flush of the last whole bytes, which had been a loop
+// whose length changed from block to block (a mispredicted exit in most calls).
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "huffman_encoder.cpp"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep

@@ -114,7 +114,22 @@ HWY_INLINE KroStatus ACFirst(BitReader& r, Kro16s* dst, int Ss, int Se, int Al, 
     --st->eobRun;
     return kroStatusOk;
   }
+  // A symbol with its value, both within the bits held, leaves a left-aligned window
+  // in one shift (see the baseline decoder); anything else takes the exact reader.
+  uint64_t win = (uint64_t{r.acc} << 32) << (32 - r.bits);
   for (int k = Ss; k <= Se; ++k) {
+    const uint32_t e = r.bits >= 8 ? t->fastLookup[win >> 56] : 0;
+    const int len = static_cast<int>(e >> 16);  // 1..8 from a built table
+    const int size = static_cast<int>(e & 15);
+    if (size != 0 && r.bits >= len + size) [[likely]] {
+      k += static_cast<int>(e >> 4) & 15;
+      const uint32_t v = static_cast<uint32_t>((win << len) >> (64 - size));
+      win <<= len + size;
+      r.bits -= len + size;
+      if (k >= 72) [[unlikely]] return kroStatusError;
+      dst[own_pj_izigzag_index[k]] = Wrap16(ShlWrap32(Extend(v, size), Al));
+      continue;
+    }
     const int sym = DecodeSymbol(r, t);
     if (sym < 0) return static_cast<KroStatus>(sym);
     const int run = sym >> 4, n = sym & 15;
@@ -125,8 +140,10 @@ HWY_INLINE KroStatus ACFirst(BitReader& r, Kro16s* dst, int Ss, int Se, int Al, 
       if (s != kroStatusOk) return s;
       if (k >= 72) [[unlikely]] return kroStatusError;
       dst[own_pj_izigzag_index[k]] = Wrap16(ShlWrap32(Extend(v, n), Al));
+      win = (uint64_t{r.acc} << 32) << (32 - r.bits);
     } else if (run == 15) {
       k += 15;  // ZRL
+      win = (uint64_t{r.acc} << 32) << (32 - r.bits);
     } else {
       // EOBr: this band and 2^r - 1 + (r more bits) following ones are empty.
       int32_t eob = (1 << run) - 1;
