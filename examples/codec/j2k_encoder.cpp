@@ -210,11 +210,16 @@ bool Encoder::SetGuardBits(std::string* error) {
     for (const Resolution& res : tile_.comps[c].res) {
       for (int k = 0; k < res.nbands; ++k) {
         const Band& b = res.bands[k];
-        int64_t peak = 0;
+        // The extremes rather than the largest magnitude: a loop that vectorises.
+        int32_t lo = 0, hi = 0;
         for (int y = 0; y < b.height(); ++y) {
           const int32_t* row = planes_[c].data() + static_cast<size_t>(b.buf_y + y) * w + b.buf_x;
-          for (int x = 0; x < b.width(); ++x) peak = std::max<int64_t>(peak, llabs(row[x]));
+          for (int x = 0; x < b.width(); ++x) {
+            lo = row[x] < lo ? row[x] : lo;
+            hi = row[x] > hi ? row[x] : hi;
+          }
         }
+        const int64_t peak = std::max<int64_t>(hi, -int64_t{lo});
         const double q =
             opt_.lossless ? static_cast<double>(peak) : peak / ldexp(b.step, kFracBits);
         int bits = 0;
