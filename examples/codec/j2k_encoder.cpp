@@ -2,6 +2,13 @@
 // JPEG 2000 encoder: one tile, LRCP, 64x64 code-blocks. Reversible (RCT + 5/3) or
 // irreversible (ICT + 9/7 with scalar quantisation) coding through the library, then
 // rate control over the code-blocks' truncation points and tier-2 packet assembly.
+//
+// Where the time goes (3 MP photo, one thread): lossless, nine tenths in the code-block
+// coder (its passes about 55%, MQ coding about 40%), the rest in the transforms, the
+// copies into and out of the coder and tier-2. At 20:1 the coder codes two planes fewer
+// (see Run) and takes two fifths; deciding the exact truncation lengths by decoding
+// takes as much again, the transforms and copies most of the rest; rate control and
+// packet assembly stay near 2%.
 #include <math.h>
 #include <string.h>
 
