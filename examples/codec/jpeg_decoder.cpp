@@ -627,41 +627,52 @@ bool JpegParser::DecodeScan(const ScanHeader& scan) {
   int pos = pos_, marker = 0;
   KroStatus status = kroStatusOk;
   const int ss = scan.ss, se = scan.se, al = scan.al;
-  const bool ok = WalkScan(
-      &frame, scan.components,
-      [&](int m) {
-        if (restart_interval_ == 0 || m == 0 || m % restart_interval_ != 0) return true;
-        std::fill(std::begin(last_dc), std::end(last_dc), 0);
-        return NextRestart(&pos, &marker, st);
-      },
-      [&](int k, int16_t* b) {
-        switch (scan.kind) {
-          case ScanKind::kSequential:
-            status = kroiDecodeHuffman8x8_JPEG_1u16s_C1(data_, size_, &pos, b, &last_dc[k], &marker,
-                                                        dc[k], ac[k], st);
-            break;
-          case ScanKind::kDcFirst:
-            status = kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(data_, size_, &pos, b, &last_dc[k],
-                                                                &marker, al, dc[k], st);
-            break;
-          case ScanKind::kDcRefine:
-            status =
-                kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, al, st);
-            break;
-          case ScanKind::kAcFirst:
-            status = kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, ss,
-                                                                se, al, ac[k], st);
-            break;
-          case ScanKind::kAcRefine:
-            status = kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, ss,
-                                                                 se, al, ac[k], st);
-            break;
-          case ScanKind::kLossless:
-            status = kroStatusError;
-            break;
-        }
-        return status == kroStatusOk;
+  // One walk per scan kind, so that no block asks which decoder it needs.
+  auto walk = [&](auto decode) {
+    return WalkScan(
+        &frame, scan.components,
+        [&](int m) {
+          if (restart_interval_ == 0 || m == 0 || m % restart_interval_ != 0) return true;
+          std::fill(std::begin(last_dc), std::end(last_dc), 0);
+          return NextRestart(&pos, &marker, st);
+        },
+        [&](int k, int16_t* b) { return (status = decode(k, b)) == kroStatusOk; });
+  };
+  bool ok = false;
+  switch (scan.kind) {
+    case ScanKind::kSequential:
+      ok = walk([&](int k, int16_t* b) {
+        return kroiDecodeHuffman8x8_JPEG_1u16s_C1(data_, size_, &pos, b, &last_dc[k], &marker,
+                                                  dc[k], ac[k], st);
       });
+      break;
+    case ScanKind::kDcFirst:
+      ok = walk([&](int k, int16_t* b) {
+        return kroiDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(data_, size_, &pos, b, &last_dc[k],
+                                                          &marker, al, dc[k], st);
+      });
+      break;
+    case ScanKind::kDcRefine:
+      ok = walk([&](int, int16_t* b) {
+        return kroiDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, al, st);
+      });
+      break;
+    case ScanKind::kAcFirst:
+      ok = walk([&](int k, int16_t* b) {
+        return kroiDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, ss, se,
+                                                          al, ac[k], st);
+      });
+      break;
+    case ScanKind::kAcRefine:
+      ok = walk([&](int k, int16_t* b) {
+        return kroiDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(data_, size_, &pos, b, &marker, ss, se,
+                                                           al, ac[k], st);
+      });
+      break;
+    case ScanKind::kLossless:
+      status = kroStatusError;
+      break;
+  }
   if (!ok) return status == kroStatusOk ? false : Fail(EntropyError(status));
   EndScan(pos, marker);
   return true;
