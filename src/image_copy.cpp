@@ -8,35 +8,159 @@
 //   set      pointers (value array, mask) null -> NullPointer; size -> BadSize;
 //            dstStep (and maskStep) below 1 -> BadStep.
 //   convert  null -> NullPointer; size -> BadSize; either step below 1 -> BadStep.
-#include <stdint.h>
-#include <string.h>
+//
+// Whole-pixel copies are memmove per row. Every other row runs through the SIMD rows
+// of simd/image-inl.h, chosen for the CPU once per call.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "image_copy.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
 
-#include <type_traits>
+#include "simd/image-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace kro {
+namespace HWY_NAMESPACE {
+
+// This target's row for a layout pair: source and destination pixel strides and the
+// channels moved (see CopyChannelsRow).
+template <class U>
+MoveRowFn<U> MoveRowFor(int src_stride, int dst_stride, int channels) {
+  const int s = src_stride, d = dst_stride, c = channels;
+  if (s == 4 && d == 4 && c == 3) return MoveChannelsRowSimd<4, 4, 3, U>;  // AC4
+  if (s == 3 && d == 1) return MoveChannelsRowSimd<3, 1, 1, U>;
+  if (s == 4 && d == 1) return MoveChannelsRowSimd<4, 1, 1, U>;
+  if (s == 1 && d == 3) return MoveChannelsRowSimd<1, 3, 1, U>;
+  if (s == 1 && d == 4) return MoveChannelsRowSimd<1, 4, 1, U>;
+  if (s == 3 && d == 3 && c == 1) return MoveChannelsRowSimd<3, 3, 1, U>;  // C3CR
+  if (s == 4 && d == 4 && c == 1) return MoveChannelsRowSimd<4, 4, 1, U>;  // C4CR
+  if (s == 4 && d == 3) return MoveChannelsRowSimd<4, 3, 3, U>;
+  if (s == 3 && d == 4) return MoveChannelsRowSimd<3, 4, 3, U>;
+  return nullptr;
+}
+
+// Pixels of `stride` samples of which `channels` are written: C1, C3, C4, AC4 and,
+// for the fills, C3CR and C4CR.
+template <class U>
+MaskedMoveRowFn<U> MaskedRowFor(int stride, int channels) {
+  if (stride == 1) return CopyMaskedRowSimd<1, 1, U>;
+  if (stride == 3) return CopyMaskedRowSimd<3, 3, U>;
+  if (channels == 4) return CopyMaskedRowSimd<4, 4, U>;
+  return CopyMaskedRowSimd<4, 3, U>;
+}
+template <class U>
+SetRowFn<U> SetRowFor(int stride, int channels) {
+  if (stride == 1) return SetRowSimd<1, 1, U>;
+  if (stride == 3) return channels == 3 ? SetRowSimd<3, 3, U> : SetRowSimd<3, 1, U>;
+  if (channels == 4) return SetRowSimd<4, 4, U>;
+  return channels == 3 ? SetRowSimd<4, 3, U> : SetRowSimd<4, 1, U>;
+}
+template <class U>
+SetMaskedRowFn<U> SetMaskedRowFor(int stride, int channels) {
+  if (stride == 1) return SetMaskedRowSimd<1, 1, U>;
+  if (stride == 3) return SetMaskedRowSimd<3, 3, U>;
+  if (channels == 4) return SetMaskedRowSimd<4, 4, U>;
+  return SetMaskedRowSimd<4, 3, U>;
+}
+template <class U>
+SplitRowFn<U> SplitRowFor(int planes) {
+  return planes == 3 ? SplitPlanesRowSimd<3, U> : SplitPlanesRowSimd<4, U>;
+}
+template <class U>
+MergeRowFn<U> MergeRowFor(int planes) {
+  return planes == 3 ? MergePlanesRowSimd<3, U> : MergePlanesRowSimd<4, U>;
+}
+
+// Highway exports plain functions only: one per kind of row and lane size.
+MoveRowFn<uint8_t> MoveRow8(int s, int d, int c) { return MoveRowFor<uint8_t>(s, d, c); }
+MoveRowFn<uint16_t> MoveRow16(int s, int d, int c) { return MoveRowFor<uint16_t>(s, d, c); }
+MoveRowFn<uint32_t> MoveRow32(int s, int d, int c) { return MoveRowFor<uint32_t>(s, d, c); }
+MaskedMoveRowFn<uint8_t> MaskedRow8(int s, int c) { return MaskedRowFor<uint8_t>(s, c); }
+MaskedMoveRowFn<uint16_t> MaskedRow16(int s, int c) { return MaskedRowFor<uint16_t>(s, c); }
+MaskedMoveRowFn<uint32_t> MaskedRow32(int s, int c) { return MaskedRowFor<uint32_t>(s, c); }
+SetRowFn<uint8_t> SetRow8(int s, int c) { return SetRowFor<uint8_t>(s, c); }
+SetRowFn<uint16_t> SetRow16(int s, int c) { return SetRowFor<uint16_t>(s, c); }
+SetRowFn<uint32_t> SetRow32(int s, int c) { return SetRowFor<uint32_t>(s, c); }
+SetMaskedRowFn<uint8_t> SetMaskedRow8(int s, int c) { return SetMaskedRowFor<uint8_t>(s, c); }
+SetMaskedRowFn<uint16_t> SetMaskedRow16(int s, int c) { return SetMaskedRowFor<uint16_t>(s, c); }
+SetMaskedRowFn<uint32_t> SetMaskedRow32(int s, int c) { return SetMaskedRowFor<uint32_t>(s, c); }
+SplitRowFn<uint8_t> SplitRow8(int planes) { return SplitRowFor<uint8_t>(planes); }
+SplitRowFn<uint16_t> SplitRow16(int planes) { return SplitRowFor<uint16_t>(planes); }
+SplitRowFn<uint32_t> SplitRow32(int planes) { return SplitRowFor<uint32_t>(planes); }
+MergeRowFn<uint8_t> MergeRow8(int planes) { return MergeRowFor<uint8_t>(planes); }
+MergeRowFn<uint16_t> MergeRow16(int planes) { return MergeRowFor<uint16_t>(planes); }
+MergeRowFn<uint32_t> MergeRow32(int planes) { return MergeRowFor<uint32_t>(planes); }
+void WidenRow(const uint8_t* src, uint16_t* dst, ptrdiff_t n) { WidenRowSimd(src, dst, n); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+#include <string.h>
 
 #include "kro_base.h"
 #include "kro_checks.h"
-#include "ref/image_ref.h"
 
 namespace kro {
+
+HWY_EXPORT(MoveRow8);
+HWY_EXPORT(MoveRow16);
+HWY_EXPORT(MoveRow32);
+HWY_EXPORT(MaskedRow8);
+HWY_EXPORT(MaskedRow16);
+HWY_EXPORT(MaskedRow32);
+HWY_EXPORT(SetRow8);
+HWY_EXPORT(SetRow16);
+HWY_EXPORT(SetRow32);
+HWY_EXPORT(SetMaskedRow8);
+HWY_EXPORT(SetMaskedRow16);
+HWY_EXPORT(SetMaskedRow32);
+HWY_EXPORT(SplitRow8);
+HWY_EXPORT(SplitRow16);
+HWY_EXPORT(SplitRow32);
+HWY_EXPORT(MergeRow8);
+HWY_EXPORT(MergeRow16);
+HWY_EXPORT(MergeRow32);
+HWY_EXPORT(WidenRow);
+
 namespace {
 
-// Copies and fills only move bits, so each sample type goes through the unsigned
-// integer of its size: 16s and 32f share code with the other types of their width,
-// and a float's bits (NaN payloads, negative zero) pass through untouched.
-template <class T>
-using BitsOf =
-    std::conditional_t<sizeof(T) == 1, uint8_t,
-                       std::conditional_t<sizeof(T) == 2, uint16_t,
-                                          std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>>>;
-
-template <class T>
-const BitsOf<T>* AsBits(const T* p) {
-  return reinterpret_cast<const BitsOf<T>*>(p);
-}
-template <class T>
-BitsOf<T>* AsBits(T* p) {
-  return reinterpret_cast<BitsOf<T>*>(p);
-}
+// The row kernels of the best target of this CPU, for lanes of type U.
+template <class U>
+struct Rows {
+  static MoveRowFn<U> Move(int s, int d, int c) {
+    if constexpr (sizeof(U) == 1) return HWY_DYNAMIC_DISPATCH(MoveRow8)(s, d, c);
+    if constexpr (sizeof(U) == 2) return HWY_DYNAMIC_DISPATCH(MoveRow16)(s, d, c);
+    if constexpr (sizeof(U) == 4) return HWY_DYNAMIC_DISPATCH(MoveRow32)(s, d, c);
+  }
+  static MaskedMoveRowFn<U> Masked(int s, int c) {
+    if constexpr (sizeof(U) == 1) return HWY_DYNAMIC_DISPATCH(MaskedRow8)(s, c);
+    if constexpr (sizeof(U) == 2) return HWY_DYNAMIC_DISPATCH(MaskedRow16)(s, c);
+    if constexpr (sizeof(U) == 4) return HWY_DYNAMIC_DISPATCH(MaskedRow32)(s, c);
+  }
+  static SetRowFn<U> Set(int s, int c) {
+    if constexpr (sizeof(U) == 1) return HWY_DYNAMIC_DISPATCH(SetRow8)(s, c);
+    if constexpr (sizeof(U) == 2) return HWY_DYNAMIC_DISPATCH(SetRow16)(s, c);
+    if constexpr (sizeof(U) == 4) return HWY_DYNAMIC_DISPATCH(SetRow32)(s, c);
+  }
+  static SetMaskedRowFn<U> SetMasked(int s, int c) {
+    if constexpr (sizeof(U) == 1) return HWY_DYNAMIC_DISPATCH(SetMaskedRow8)(s, c);
+    if constexpr (sizeof(U) == 2) return HWY_DYNAMIC_DISPATCH(SetMaskedRow16)(s, c);
+    if constexpr (sizeof(U) == 4) return HWY_DYNAMIC_DISPATCH(SetMaskedRow32)(s, c);
+  }
+  static SplitRowFn<U> Split(int planes) {
+    if constexpr (sizeof(U) == 1) return HWY_DYNAMIC_DISPATCH(SplitRow8)(planes);
+    if constexpr (sizeof(U) == 2) return HWY_DYNAMIC_DISPATCH(SplitRow16)(planes);
+    if constexpr (sizeof(U) == 4) return HWY_DYNAMIC_DISPATCH(SplitRow32)(planes);
+  }
+  static MergeRowFn<U> Merge(int planes) {
+    if constexpr (sizeof(U) == 1) return HWY_DYNAMIC_DISPATCH(MergeRow8)(planes);
+    if constexpr (sizeof(U) == 2) return HWY_DYNAMIC_DISPATCH(MergeRow16)(planes);
+    if constexpr (sizeof(U) == 4) return HWY_DYNAMIC_DISPATCH(MergeRow32)(planes);
+  }
+};
 
 // How a copy moves samples: pixel strides (in samples) of source and destination,
 // and the number of channels moved from each pixel, starting at the one the
@@ -77,18 +201,17 @@ KroStatus CopyImage(const T* pSrc, int srcStep, T* pDst, int dstStep, KroiSize r
       memmove(RowPtr(pDst, dstStep, y), RowPtr(pSrc, srcStep, y), row_bytes);
     return kroStatusOk;
   } else {
+    const auto row = Rows<BitsOf<T>>::Move(S.src_stride, S.dst_stride, S.channels);
     if constexpr (S.src_stride == 4 && S.dst_stride == 4 && S.channels == 3) {
       // AC4 over gap-free rows on both sides: the region is one long row.
       const int64_t packed = int64_t{4} * roi.width * static_cast<int64_t>(sizeof(T));
       if (srcStep == dstStep && srcStep == packed) {
-        ref::CopyChannelsRow<4, 4, 3>(AsBits(pSrc), AsBits(pDst), Pixels(roi));
+        row(AsBits(pSrc), AsBits(pDst), Pixels(roi));
         return kroStatusOk;
       }
     }
-    for (int y = 0; y < roi.height; ++y) {
-      ref::CopyChannelsRow<S.src_stride, S.dst_stride, S.channels>(
-          AsBits(RowPtr(pSrc, srcStep, y)), AsBits(RowPtr(pDst, dstStep, y)), roi.width);
-    }
+    for (int y = 0; y < roi.height; ++y)
+      row(AsBits(RowPtr(pSrc, srcStep, y)), AsBits(RowPtr(pDst, dstStep, y)), roi.width);
     return kroStatusOk;
   }
 }
@@ -99,10 +222,10 @@ KroStatus CopyMasked(const T* pSrc, int srcStep, T* pDst, int dstStep, KroiSize 
                      const Kro8u* pMask, int maskStep) {
   if (AnyNull(pSrc, pDst, pMask)) return kroStatusNullPointer;
   if (BadSize(roi)) return kroStatusBadSize;
+  const auto row = Rows<BitsOf<T>>::Masked(kStride, kChannels);
   for (int y = 0; y < roi.height; ++y) {
-    ref::CopyChannelsMaskedRow<kStride, kChannels>(AsBits(RowPtr(pSrc, srcStep, y)),
-                                                   RowPtr(pMask, maskStep, y),
-                                                   AsBits(RowPtr(pDst, dstStep, y)), roi.width);
+    row(AsBits(RowPtr(pSrc, srcStep, y)), RowPtr(pMask, maskStep, y),
+        AsBits(RowPtr(pDst, dstStep, y)), roi.width);
   }
   return kroStatusOk;
 }
@@ -115,10 +238,11 @@ KroStatus SplitPlanes(const T* pSrc, int srcStep, T* const* pDst, int dstStep, K
     if (pDst[c] == nullptr) return kroStatusNullPointer;
   }
   if (BadSize(roi)) return kroStatusBadSize;
+  const auto row = Rows<BitsOf<T>>::Split(kPlanes);
   BitsOf<T>* rows[kPlanes];
   for (int y = 0; y < roi.height; ++y) {
     for (int c = 0; c < kPlanes; ++c) rows[c] = AsBits(RowPtr(pDst[c], dstStep, y));
-    ref::SplitPlanesRow<kPlanes>(AsBits(RowPtr(pSrc, srcStep, y)), rows, roi.width);
+    row(AsBits(RowPtr(pSrc, srcStep, y)), rows, roi.width);
   }
   return kroStatusOk;
 }
@@ -131,10 +255,11 @@ KroStatus MergePlanes(const T* const* pSrc, int srcStep, T* pDst, int dstStep, K
     if (pSrc[c] == nullptr) return kroStatusNullPointer;
   }
   if (BadSize(roi)) return kroStatusBadSize;
+  const auto row = Rows<BitsOf<T>>::Merge(kPlanes);
   const BitsOf<T>* rows[kPlanes];
   for (int y = 0; y < roi.height; ++y) {
     for (int c = 0; c < kPlanes; ++c) rows[c] = AsBits(RowPtr(pSrc[c], srcStep, y));
-    ref::MergePlanesRow<kPlanes>(rows, AsBits(RowPtr(pDst, dstStep, y)), roi.width);
+    row(rows, AsBits(RowPtr(pDst, dstStep, y)), roi.width);
   }
   return kroStatusOk;
 }
@@ -148,9 +273,8 @@ KroStatus SetImage(const T* value, T* pDst, int dstStep, KroiSize roi) {
   if (BadStep(dstStep)) return kroStatusBadStep;
   BitsOf<T> v[kChannels];
   memcpy(v, value, sizeof(v));
-  for (int y = 0; y < roi.height; ++y) {
-    ref::SetChannelsRow<kStride, kChannels>(v, AsBits(RowPtr(pDst, dstStep, y)), roi.width);
-  }
+  const auto row = Rows<BitsOf<T>>::Set(kStride, kChannels);
+  for (int y = 0; y < roi.height; ++y) row(v, AsBits(RowPtr(pDst, dstStep, y)), roi.width);
   return kroStatusOk;
 }
 
@@ -162,28 +286,25 @@ KroStatus SetMasked(const T* value, T* pDst, int dstStep, KroiSize roi, const Kr
   if (BadStep(dstStep, maskStep)) return kroStatusBadStep;
   BitsOf<T> v[kChannels];
   memcpy(v, value, sizeof(v));
-  for (int y = 0; y < roi.height; ++y) {
-    ref::SetChannelsMaskedRow<kStride, kChannels>(v, RowPtr(pMask, maskStep, y),
-                                                  AsBits(RowPtr(pDst, dstStep, y)), roi.width);
-  }
+  const auto row = Rows<BitsOf<T>>::SetMasked(kStride, kChannels);
+  for (int y = 0; y < roi.height; ++y)
+    row(v, RowPtr(pMask, maskStep, y), AsBits(RowPtr(pDst, dstStep, y)), roi.width);
   return kroStatusOk;
 }
 
 // Unsigned widening, one channel.
-template <class S, class D>
-KroStatus Widen(const S* pSrc, int srcStep, D* pDst, int dstStep, KroiSize roi) {
+KroStatus Widen(const Kro8u* pSrc, int srcStep, Kro16u* pDst, int dstStep, KroiSize roi) {
   if (AnyNull(pSrc, pDst)) return kroStatusNullPointer;
   if (BadSize(roi)) return kroStatusBadSize;
   if (BadStep(srcStep, dstStep)) return kroStatusBadStep;
+  const auto row = HWY_DYNAMIC_DISPATCH(WidenRow);
   // Gap-free rows on both sides: the region is one long row.
-  const int64_t ratio = sizeof(D) / sizeof(S);
-  if (dstStep == ratio * srcStep &&
-      srcStep == static_cast<int64_t>(roi.width) * static_cast<int64_t>(sizeof(S))) {
-    ref::ZeroExtendRow(pSrc, pDst, Pixels(roi));
+  if (dstStep == int64_t{2} * srcStep && srcStep == roi.width) {
+    row(pSrc, pDst, Pixels(roi));
     return kroStatusOk;
   }
   for (int y = 0; y < roi.height; ++y)
-    ref::ZeroExtendRow(RowPtr(pSrc, srcStep, y), RowPtr(pDst, dstStep, y), roi.width);
+    row(RowPtr(pSrc, srcStep, y), RowPtr(pDst, dstStep, y), roi.width);
   return kroStatusOk;
 }
 
@@ -545,3 +666,4 @@ KRO_EXPORT KroStatus kroiSet_8u_C4R(const Kro8u value[4], Kro8u* pDst, int dstSt
                                     KroiSize roiSize) {
   return kro::SetImage<Kro8u, 4, 4>(value, pDst, dstStep, roiSize);
 }
+#endif  // HWY_ONCE

@@ -7,12 +7,68 @@
 // NullPointer; any step below 1 -> BadStep; width or height below 1 -> BadSize.
 // The steps come before the size here, unlike the copy family; kept for
 // compatibility with existing callers.
-#include <limits.h>
-#include <stdint.h>
+//
+// The rows are the SIMD rows of simd/image-inl.h, chosen for the CPU once per call;
+// 32s samples go through 32-bit unsigned lanes (the operations only see bits).
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "image_logical.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
 
+#include "simd/image-inl.h"
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace kro {
+namespace HWY_NAMESPACE {
+
+// This target's rows for an operation on pixels of `stride` samples of which
+// `channels` are written: (1, 1) for every element-wise row, (3, 3), (4, 4) and
+// (4, 3) for the per-channel constants and AC4.
+template <ref::LogicOp op, class U>
+LogicRowFn<U> LogicRowFor(int stride) {
+  return stride == 1 ? LogicRowSimd<op, 1, 1, U> : LogicRowSimd<op, 4, 3, U>;
+}
+template <ref::LogicOp op, class U>
+LogicConstRowFn<U> LogicConstRowFor(int stride, int channels) {
+  if (stride == 1) return LogicConstRowSimd<op, 1, 1, U>;
+  if (stride == 3) return LogicConstRowSimd<op, 3, 3, U>;
+  return channels == 4 ? LogicConstRowSimd<op, 4, 4, U> : LogicConstRowSimd<op, 4, 3, U>;
+}
+template <class U>
+LogicRowFn<U> AnyLogicRow(ref::LogicOp op, int stride) {
+  if (op == ref::LogicOp::kAnd) return LogicRowFor<ref::LogicOp::kAnd, U>(stride);
+  if (op == ref::LogicOp::kOr) return LogicRowFor<ref::LogicOp::kOr, U>(stride);
+  return LogicRowFor<ref::LogicOp::kXor, U>(stride);
+}
+template <class U>
+LogicConstRowFn<U> AnyLogicConstRow(ref::LogicOp op, int stride, int channels) {
+  if (op == ref::LogicOp::kAnd) return LogicConstRowFor<ref::LogicOp::kAnd, U>(stride, channels);
+  if (op == ref::LogicOp::kOr) return LogicConstRowFor<ref::LogicOp::kOr, U>(stride, channels);
+  return LogicConstRowFor<ref::LogicOp::kXor, U>(stride, channels);
+}
+
+// Highway exports plain functions only: one per kind of row and lane size.
+LogicRowFn<uint8_t> LogicRow8(ref::LogicOp op, int s) { return AnyLogicRow<uint8_t>(op, s); }
+LogicRowFn<uint16_t> LogicRow16(ref::LogicOp op, int s) { return AnyLogicRow<uint16_t>(op, s); }
+LogicRowFn<uint32_t> LogicRow32(ref::LogicOp op, int s) { return AnyLogicRow<uint32_t>(op, s); }
+LogicConstRowFn<uint8_t> LogicConstRow8(ref::LogicOp op, int s, int c) {
+  return AnyLogicConstRow<uint8_t>(op, s, c);
+}
+LogicConstRowFn<uint16_t> LogicConstRow16(ref::LogicOp op, int s, int c) {
+  return AnyLogicConstRow<uint16_t>(op, s, c);
+}
+LogicConstRowFn<uint32_t> LogicConstRow32(ref::LogicOp op, int s, int c) {
+  return AnyLogicConstRow<uint32_t>(op, s, c);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace kro
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 #include "kro_base.h"
 #include "kro_checks.h"
-#include "ref/logic_ref.h"
 
 namespace kro {
 
@@ -20,6 +76,13 @@ using ref::LogicOp;
 constexpr LogicOp kAnd = LogicOp::kAnd;
 constexpr LogicOp kOr = LogicOp::kOr;
 constexpr LogicOp kXor = LogicOp::kXor;
+
+HWY_EXPORT(LogicRow8);
+HWY_EXPORT(LogicRow16);
+HWY_EXPORT(LogicRow32);
+HWY_EXPORT(LogicConstRow8);
+HWY_EXPORT(LogicConstRow16);
+HWY_EXPORT(LogicConstRow32);
 
 namespace {
 
@@ -33,53 +96,34 @@ constexpr LogicLayout kC3{3, 3};
 constexpr LogicLayout kC4{4, 4};
 constexpr LogicLayout kAC4{4, 3};
 
-// The row kernels, one place to swap in vector versions.
-template <LogicOp op, class T>
-void TwoSourceRow(const T* a, const T* b, T* dst, ptrdiff_t n) {
-  ref::LogicChannelsRow<op, 1, 1>(a, b, dst, n);
+// The rows of the best target of this CPU, for lanes of type U.
+template <class U>
+LogicRowFn<U> LogicRow(LogicOp op, int stride) {
+  if constexpr (sizeof(U) == 1) return HWY_DYNAMIC_DISPATCH(LogicRow8)(op, stride);
+  if constexpr (sizeof(U) == 2) return HWY_DYNAMIC_DISPATCH(LogicRow16)(op, stride);
+  if constexpr (sizeof(U) == 4) return HWY_DYNAMIC_DISPATCH(LogicRow32)(op, stride);
 }
-
-template <LogicOp op, class T>
-void AlphaTwoSourceRow(const T* a, const T* b, T* dst, ptrdiff_t pixels) {
-  ref::LogicChannelsRow<op, 4, 3>(a, b, dst, pixels);
-}
-
-// One constant for every sample. These are the shared rows the code-block decoder
-// uses as well; they count in int, so a row longer than that goes in pieces.
-template <LogicOp op, class T>
-void ConstRow(const T* src, T value, T* dst, ptrdiff_t n) {
-  while (n > 0) {
-    const int m = n > INT_MAX ? INT_MAX : static_cast<int>(n);
-    if constexpr (op == LogicOp::kAnd) ref::AndCRow(src, value, dst, m);
-    if constexpr (op == LogicOp::kOr) ref::OrCRow(src, value, dst, m);
-    if constexpr (op == LogicOp::kXor) ref::XorCRow(src, value, dst, m);
-    src += m;
-    dst += m;
-    n -= m;
-  }
-}
-
-template <LogicOp op, class T, LogicLayout L>
-void ConstChannelsRow(const T* src, const T* value, T* dst, ptrdiff_t pixels) {
-  ref::LogicConstChannelsRow<op, L.stride, L.channels>(src, value, dst, pixels);
+template <class U>
+LogicConstRowFn<U> LogicConstRow(LogicOp op, int stride, int channels) {
+  if constexpr (sizeof(U) == 1) return HWY_DYNAMIC_DISPATCH(LogicConstRow8)(op, stride, channels);
+  if constexpr (sizeof(U) == 2) return HWY_DYNAMIC_DISPATCH(LogicConstRow16)(op, stride, channels);
+  if constexpr (sizeof(U) == 4) return HWY_DYNAMIC_DISPATCH(LogicConstRow32)(op, stride, channels);
 }
 
 // pDst = pSrc1 op pSrc2. Either source may be the destination (in-place forms).
+// C1, C3 and C4 are one element-wise row of width * channels samples.
 template <LogicOp op, class T, LogicLayout L>
 KroStatus Logic(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep,
                 KroiSize roi) {
   if (AnyNull(pSrc1, pSrc2, pDst)) return kroStatusNullPointer;
   if (BadStep(src1Step, src2Step, dstStep)) return kroStatusBadStep;
   if (BadSize(roi)) return kroStatusBadSize;
+  constexpr bool kWhole = L.stride == L.channels;
+  const auto row = LogicRow<BitsOf<T>>(op, kWhole ? 1 : L.stride);
+  const ptrdiff_t n = static_cast<ptrdiff_t>(roi.width) * (kWhole ? L.stride : 1);
   for (int y = 0; y < roi.height; ++y) {
-    const T* a = RowPtr(pSrc1, src1Step, y);
-    const T* b = RowPtr(pSrc2, src2Step, y);
-    T* d = RowPtr(pDst, dstStep, y);
-    if constexpr (L.stride == L.channels) {
-      TwoSourceRow<op>(a, b, d, static_cast<ptrdiff_t>(roi.width) * L.stride);
-    } else {
-      AlphaTwoSourceRow<op>(a, b, d, roi.width);
-    }
+    row(AsBits(RowPtr(pSrc1, src1Step, y)), AsBits(RowPtr(pSrc2, src2Step, y)),
+        AsBits(RowPtr(pDst, dstStep, y)), n);
   }
   return kroStatusOk;
 }
@@ -94,15 +138,13 @@ KroStatus LogicConst(const T* pSrc, int srcStep, const T* value, T* pDst, int ds
   if (BadSize(roi)) return kroStatusBadSize;
   bool uniform = L.stride == L.channels;
   for (int c = 1; c < L.channels; ++c) uniform = uniform && value[c] == value[0];
-  for (int y = 0; y < roi.height; ++y) {
-    const T* s = RowPtr(pSrc, srcStep, y);
-    T* d = RowPtr(pDst, dstStep, y);
-    if (uniform) {
-      ConstRow<op>(s, value[0], d, static_cast<ptrdiff_t>(roi.width) * L.stride);
-    } else {
-      ConstChannelsRow<op, T, L>(s, value, d, roi.width);
-    }
-  }
+  BitsOf<T> v[L.channels];
+  for (int c = 0; c < L.channels; ++c) v[c] = static_cast<BitsOf<T>>(value[c]);
+  const auto row = uniform ? LogicConstRow<BitsOf<T>>(op, 1, 1)
+                           : LogicConstRow<BitsOf<T>>(op, L.stride, L.channels);
+  const ptrdiff_t n = static_cast<ptrdiff_t>(roi.width) * (uniform ? L.stride : 1);
+  for (int y = 0; y < roi.height; ++y)
+    row(AsBits(RowPtr(pSrc, srcStep, y)), v, AsBits(RowPtr(pDst, dstStep, y)), n);
   return kroStatusOk;
 }
 
@@ -837,3 +879,4 @@ KRO_EXPORT KroStatus kroiXor_8u_C4R(const Kro8u* pSrc1, int src1Step, const Kro8
   return kro::Logic<kro::kXor, Kro8u, kro::kC4>(pSrc1, src1Step, pSrc2, src2Step, pDst, dstStep,
                                                 roiSize);
 }
+#endif  // HWY_ONCE
