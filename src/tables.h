@@ -39,7 +39,7 @@ extern const int32_t zigzag_index_Inv[64];
 // here is one, usually folded into the multiply.
 inline constexpr int32_t kDctLaneValues[] = {
     17734, 25080, -60547, 46341, 799,   3218, -4816, 3406,  -1130,   -5681,  27246, -9041,
-    -45451, 6393, 25746, -38531, 5793, 1,    32,    2048,  1 << 20, 16383, -32768, 32767};
+    -45451, 6393, 25746, -38531, 5793, 1,    32,    2048,  1 << 20, 16383, -32768, 32767, 8192};
 inline constexpr int kDctLaneCount = sizeof(kDctLaneValues) / sizeof(kDctLaneValues[0]);
 alignas(32) extern const std::array<std::array<int32_t, 8>, kDctLaneCount> dct_lane_constants;
 constexpr int DctLaneIndex(int32_t value) {

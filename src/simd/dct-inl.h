@@ -267,13 +267,21 @@ HWY_INLINE void InvButterfly(V32* x) {
 // ---- Whole transforms ----
 
 // Forward DCT of the sample rows r. w receives the output rows on 32-bit lanes,
-// not yet cut to 16 bits. kSamples: the rows hold level-shifted 8-bit samples
-// (-128..127), for which every first-pass output fits 16 bits (|R| <= 8192).
+// not yet cut to 16 bits.
+//
+// kSamples: the rows hold 8-bit samples not yet level-shifted. Subtracting 128 from
+// every sample only lowers each row's first-pass R0 = 8 * (sum of the row) by
+// 8 * 8 * 128 = 8192 (all other outputs are built from differences), so the shift
+// is one subtraction on line 0 after the first pass. Every first-pass output of
+// level-shifted samples fits 16 bits (|R| <= 8192), so none needs wrapping.
 template <bool kSamples = false>
 HWY_INLINE void FwdDct(Rows& r, Wide& w) {
   Transpose(r);
   WidenAll(r, w);
   for (size_t g = 0; g < kGroups; ++g) FwdButterfly<false>(w[g]);
+  if (kSamples) {
+    for (size_t g = 0; g < kGroups; ++g) w[g][0] = hn::Sub(w[g][0], K<8192>());
+  }
   CutAndTranspose(w, !kSamples);
   for (size_t g = 0; g < kGroups; ++g) FwdButterfly<true>(w[g]);
 }
@@ -297,13 +305,11 @@ HWY_INLINE void StoreRows(const Rows& r, int16_t* dst) {
   for (size_t k = 0; k < 8; ++k) hn::StoreU(r[k], D16(), dst + 8 * k);
 }
 
-// An 8x8 region of 8-bit samples minus 128.
-HWY_INLINE void LoadShiftedRows(const uint8_t* src, int step, Rows& r) {
+// An 8x8 region of 8-bit samples (FwdDct<true> applies the level shift).
+HWY_INLINE void LoadSampleRows(const uint8_t* src, int step, Rows& r) {
   const hn::Rebind<uint8_t, D16> d8;
-  const V16 k128 = hn::Set(D16(), 128);
   for (size_t k = 0; k < 8; ++k) {
-    const uint8_t* row = src + static_cast<ptrdiff_t>(k) * step;
-    r[k] = hn::Sub(hn::PromoteTo(D16(), hn::LoadU(d8, row)), k128);
+    r[k] = hn::PromoteTo(D16(), hn::LoadU(d8, src + static_cast<ptrdiff_t>(k) * step));
   }
 }
 
@@ -410,7 +416,7 @@ HWY_INLINE void FwdDctQuantLSBlockSimd(const uint8_t* src, int step, int16_t* ds
   using namespace dct_simd;
   Rows r;
   Wide w;
-  LoadShiftedRows(src, step, r);
+  LoadSampleRows(src, step, r);
   FwdDct<true>(r, w);
   StoreQuantised(w, recip, dst);
 }
