@@ -898,7 +898,8 @@ TEST(HostileSizes, WaveletBufferSizesWrapAsDocumented) {
 // Code-block states for blocks no memory holds: refused, or a size at least the true one.
 TEST(HostileSizes, CodeBlockStatesRefuseWhatDoesNotFit) {
   for (const KroiSize s : {KroiSize{INT_MAX, INT_MAX}, KroiSize{1 << 30, 1 << 20}, KroiSize{3, INT_MAX}}) {
-    const int64_t need = ((int64_t{4} * s.width + 8 + 31) / 32 * 32) * ((int64_t{s.height} + 1) / 2 + 2) + 472;
+    // The bytes a state needs, in double: the product leaves 64 bits for the largest sizes.
+    const double need = double((int64_t{4} * s.width + 8 + 31) / 32 * 32) * double((int64_t{s.height} + 1) / 2 + 2) + 472;
     int size = 0;
     for (auto query : {kroiDecodeGetBufSize_JPEG2K, kroiDecodeCBProgrGetStateSize_JPEG2K}) {
       const KroStatus st = query(s, &size);
