@@ -11,6 +11,8 @@
 #include <string.h>
 
 #include <algorithm>
+#include <memory>
+#include <new>
 #include <type_traits>
 
 #include "kro_checks.h"
@@ -302,9 +304,31 @@ struct TileRows {
   }
 };
 
-// Rows of a tile taller than this go column by column through the line buffer, as
-// the row moves below keep one visited bit per row on the stack.
+// The row moves below keep one visited bit per row: on the stack for tiles of up to
+// kMaxRowMoves rows, on the heap for taller ones. ok() is false only when that
+// allocation fails; the caller then goes column by column through the line buffer,
+// which needs no marks.
 inline constexpr int kMaxRowMoves = 1 << 15;
+
+class RowMarks {
+ public:
+  explicit RowMarks(int n) {
+    if (n > kMaxRowMoves) {
+      heap_.reset(new (std::nothrow) uint64_t[(static_cast<size_t>(n) + 63) / 64]());
+      words_ = heap_.get();
+    }
+  }
+  RowMarks(const RowMarks&) = delete;
+  RowMarks& operator=(const RowMarks&) = delete;
+  bool ok() const { return words_ != nullptr; }
+  bool Seen(int j) const { return (words_[j >> 6] >> (j & 63)) & 1; }
+  void Mark(int j) { words_[j >> 6] |= uint64_t{1} << (j & 63); }
+
+ private:
+  uint64_t local_[kMaxRowMoves / 64] = {};
+  std::unique_ptr<uint64_t[]> heap_;
+  uint64_t* words_ = local_;
+};
 
 // The interleaved index whose sample lands on quadrant place `place`.
 constexpr int InterleavedIndex(int place, int n, int p) {
@@ -315,24 +339,24 @@ constexpr int InterleavedIndex(int place, int n, int p) {
 // Moves the rows of a tile so that row j ends on row BandPlace(j) (to_bands) or the
 // reverse, following each cycle of the permutation backwards with one spare row.
 template <class T>
-void MoveRows(T* img, int step, int w, int n, int p, bool to_bands, uint8_t* spare) {
-  uint64_t seen[kMaxRowMoves / 64] = {};
+void MoveRows(T* img, int step, int w, int n, int p, bool to_bands, uint8_t* spare,
+              RowMarks& marks) {
   const size_t row_bytes = static_cast<size_t>(w) * sizeof(T);
   // The row that has to arrive on row `dst`.
   auto source_of = [&](int dst) {
     return to_bands ? InterleavedIndex(dst, n, p) : BandPlace(dst, n, p);
   };
   for (int start = 0; start < n; ++start) {
-    if ((seen[start >> 6] >> (start & 63)) & 1) continue;
+    if (marks.Seen(start)) continue;
     if (source_of(start) == start) continue;
     memcpy(spare, RowPtr(img, step, start), row_bytes);
     int dst = start;
     for (int src = source_of(dst); src != start; dst = src, src = source_of(dst)) {
       memcpy(RowPtr(img, step, dst), RowPtr(img, step, src), row_bytes);
-      seen[dst >> 6] |= uint64_t{1} << (dst & 63);
+      marks.Mark(dst);
     }
     memcpy(RowPtr(img, step, dst), spare, row_bytes);
-    seen[dst >> 6] |= uint64_t{1} << (dst & 63);
+    marks.Mark(dst);
   }
 }
 
@@ -345,23 +369,25 @@ void ForRowsOfParity(int n, int p, bool odd, F&& f) {
 // 5/3 vertical passes; lines of one and two samples follow Fwd53Pass / Inv53Pass.
 template <class T>
 void Fwd53Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
-  if (n <= 2 || n > kMaxRowMoves) {
+  RowMarks marks(n);
+  if (n <= 2 || !marks.ok()) {
     for (int x = 0; x < w; ++x) Fwd53Pass<T>(Strided<T>{img + x, step}, n, p, buf);
     return;
   }
   const TileRows<T> row{img, step, n};
   ForRowsOfParity(n, p, true, [&](int j) { ref::Predict53Row(row(j), row(j - 1), row(j + 1), w); });
   ForRowsOfParity(n, p, false, [&](int j) { ref::Update53Row(row(j), row(j - 1), row(j + 1), w); });
-  MoveRows(img, step, w, n, p, true, buf);
+  MoveRows(img, step, w, n, p, true, buf, marks);
 }
 
 template <class T>
 void Inv53Vertical(T* img, int step, int w, int n, int p, uint8_t* buf) {
-  if (n <= 2 || n > kMaxRowMoves) {
+  RowMarks marks(n);
+  if (n <= 2 || !marks.ok()) {
     for (int x = 0; x < w; ++x) Inv53Pass<T>(Strided<T>{img + x, step}, n, p, buf);
     return;
   }
-  MoveRows(img, step, w, n, p, false, buf);
+  MoveRows(img, step, w, n, p, false, buf, marks);
   const TileRows<T> row{img, step, n};
   ForRowsOfParity(n, p, false,
                   [&](int j) { ref::UnUpdate53Row(row(j), row(j - 1), row(j + 1), w); });
@@ -375,7 +401,8 @@ template <class A>
 void Fwd97Vertical(typename A::Sample* img, int step, int w, int n, int p, uint8_t* buf) {
   using T = typename A::Sample;
   using R = ref::Rows97<A>;
-  if (n <= 1 || n > kMaxRowMoves) {
+  RowMarks marks(n);
+  if (n <= 1 || !marks.ok()) {
     for (int x = 0; x < w; ++x) Fwd97Pass<A>(Strided<T>{img + x, step}, n, p, buf);
     return;
   }
@@ -388,18 +415,19 @@ void Fwd97Vertical(typename A::Sample* img, int step, int w, int n, int p, uint8
                   [&](int j) { R::template Lift<A::Delta>(row(j), row(j - 1), row(j + 1), w); });
   ForRowsOfParity(n, p, true, [&](int j) { R::High(row(j), w); });
   ForRowsOfParity(n, p, false, [&](int j) { R::Low(row(j), w); });
-  MoveRows(img, step, w, n, p, true, buf);
+  MoveRows(img, step, w, n, p, true, buf, marks);
 }
 
 template <class A>
 void Inv97Vertical(typename A::Sample* img, int step, int w, int n, int p, uint8_t* buf) {
   using T = typename A::Sample;
   using R = ref::Rows97<A>;
-  if (n <= 1 || n > kMaxRowMoves) {
+  RowMarks marks(n);
+  if (n <= 1 || !marks.ok()) {
     for (int x = 0; x < w; ++x) Inv97Pass<A>(Strided<T>{img + x, step}, n, p, buf);
     return;
   }
-  MoveRows(img, step, w, n, p, false, buf);
+  MoveRows(img, step, w, n, p, false, buf, marks);
   const TileRows<T> row{img, step, n};
   ForRowsOfParity(n, p, true, [&](int j) { R::InvHigh(row(j), w); });
   ForRowsOfParity(n, p, false, [&](int j) { R::InvLow(row(j), w); });

@@ -200,7 +200,7 @@ TEST(Wavelet53, InPlaceMatchesDefinitionForEverySizeAndPhase) {
   CheckTiles<Kro16s>(12, 32768, false);  // full range: every stored value wraps
 }
 
-// Taller than 32768 rows, the columns go one at a time through the line buffer.
+// Taller than 32768 rows the row moves keep their marks on the heap.
 TEST(Wavelet53, VeryTallTiles) {
   Rng rng(32769);
   for (int p = 0; p < 2; ++p) {

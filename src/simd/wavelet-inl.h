@@ -573,14 +573,15 @@ void Fwd2D(const Scheme<S>& sch, S* img, int step, const KroiRect& r, uint8_t* b
       FwdRowSplit(sch, row, w, px, buf);
     }
   };
-  if (h < Line::kSplitMin || h > kMaxRowMoves) {
+  RowMarks marks(h);
+  if (h < Line::kSplitMin || !marks.ok()) {
     for (int x = 0; x < w; ++x) Line::Run(Strided<S>{img + x, step}, h, py, buf);
     for (int y = 0; y < h; ++y) horizontal(y);
     return;
   }
   VerticalPipeline(
       sch, img, step, w, h, py, 0, [](int, S*) {}, [&](int y, S*) { horizontal(y); });
-  MoveRows(img, step, w, h, py, true, buf);
+  MoveRows(img, step, w, h, py, true, buf, marks);
 }
 
 template <class S, class Line>
@@ -595,12 +596,13 @@ void Inv2D(const Scheme<S>& sch, S* img, int step, const KroiRect& r, uint8_t* b
       InvRowSplit(sch, row, w, px, buf);
     }
   };
-  if (h < Line::kSplitMin || h > kMaxRowMoves) {
+  RowMarks marks(h);
+  if (h < Line::kSplitMin || !marks.ok()) {
     for (int y = 0; y < h; ++y) horizontal(y);
     for (int x = 0; x < w; ++x) Line::Run(Strided<S>{img + x, step}, h, py, buf);
     return;
   }
-  MoveRows(img, step, w, h, py, false, buf);
+  MoveRows(img, step, w, h, py, false, buf, marks);
   VerticalPipeline(
       sch, img, step, w, h, py, 0, [&](int y, S*) { horizontal(y); }, [](int, S*) {});
 }
@@ -616,7 +618,7 @@ template <class S, class Line, Transform2D<S> kLevel>
 void FwdBands(const Scheme<S>& sch, const S* src, int src_step, S* const* band,
               const int* band_step, const KroiRect& r, uint8_t* buf) {
   const int w = r.width, h = r.height, px = r.x & 1, py = r.y & 1;
-  if (w < Line::kSplitMin || h < Line::kSplitMin || h > kMaxRowMoves) {
+  if (w < Line::kSplitMin || h < Line::kSplitMin) {
     FwdBandsThroughImage<S, kLevel>(src, src_step, band, band_step, r, buf);
     return;
   }
@@ -637,7 +639,7 @@ template <class S, class Line, Transform2D<S> kLevel>
 void InvBands(const Scheme<S>& sch, const S* const* band, const int* band_step, S* dst,
               int dst_step, const KroiRect& r, uint8_t* buf) {
   const int w = r.width, h = r.height, px = r.x & 1, py = r.y & 1;
-  if (w < Line::kSplitMin || h < Line::kSplitMin || h > kMaxRowMoves) {
+  if (w < Line::kSplitMin || h < Line::kSplitMin) {
     InvBandsThroughImage<S, kLevel>(band, band_step, dst, dst_step, r, buf);
     return;
   }
