@@ -35,8 +35,15 @@ struct J2kEncodeOptions {
 bool EncodeJ2k(const Image& img, const J2kEncodeOptions& options, std::vector<uint8_t>* out,
                std::string* error);
 
+struct J2kDecodeOptions {
+  // The largest image accepted, in samples (width x height x components); a header
+  // beyond it is refused as corrupt rather than decoded.
+  int64_t max_samples = int64_t{1} << 28;
+};
+
 // Decodes a single-tile .j2k code-stream (or .jp2 file) into img.
-bool DecodeJ2k(const uint8_t* data, size_t size, Image* img, std::string* error);
+bool DecodeJ2k(const uint8_t* data, size_t size, Image* img, std::string* error,
+               const J2kDecodeOptions& options = J2kDecodeOptions());
 
 }  // namespace krojcodec
 

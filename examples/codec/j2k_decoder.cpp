@@ -20,8 +20,6 @@ using namespace j2k;
 // Irreversible components are reconstructed in fixed point with this many fraction bits
 // (the library's integer 9/7 transform truncates its results).
 constexpr int kFracBits = 8;
-// The largest image accepted: beyond this a header is taken for corrupt.
-constexpr int64_t kMaxSamples = int64_t{1} << 28;
 
 bool Fail(std::string* error, const std::string& what) {
   *error = what;
@@ -44,6 +42,7 @@ int DecoderFlags(int cb_style) {
 
 class Decoder {
  public:
+  explicit Decoder(const J2kDecodeOptions& options) : options_(options) {}
   ~Decoder() = default;
   bool Run(const uint8_t* data, size_t size, Image* img, std::string* error);
 
@@ -58,6 +57,7 @@ class Decoder {
   template <int kNc>
   void OutputUnsigned8(Image* img) const;
 
+  J2kDecodeOptions options_;
   Header header_;
   Tile tile_;
   PacketReader packets_;
@@ -76,7 +76,8 @@ bool Decoder::CheckSupported(std::string* error) const {
     if (c.precision > 16) return Fail(error, "samples above 16 bits are not supported");
   }
   const int64_t w = int64_t{header_.x1} - header_.x0, h = int64_t{header_.y1} - header_.y0;
-  if (w > kMaxSamples || h > kMaxSamples || w * h * static_cast<int64_t>(nc) > kMaxSamples)
+  const int64_t most = options_.max_samples;
+  if (w > most || h > most || (w > 0 && h > most / static_cast<int64_t>(nc) / w))
     return Fail(error, "image too large (" + std::to_string(w) + " x " + std::to_string(h) + ")");
   if (header_.mct) {
     if (nc != 3) return Fail(error, "component transform on other than three components");
@@ -323,8 +324,9 @@ bool Decoder::Run(const uint8_t* data, size_t size, Image* img, std::string* err
 
 }  // namespace
 
-bool DecodeJ2k(const uint8_t* data, size_t size, Image* img, std::string* error) {
-  Decoder dec;
+bool DecodeJ2k(const uint8_t* data, size_t size, Image* img, std::string* error,
+               const J2kDecodeOptions& options) {
+  Decoder dec(options);
   return dec.Run(data, size, img, error);
 }
 
