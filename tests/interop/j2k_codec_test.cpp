@@ -16,6 +16,7 @@
 
 #if defined(KROJ_HAVE_CODEC) && defined(KROJ_HAVE_OPENJPEG)
 #include <openjpeg.h>
+#include "opj_memory_stream.h"
 
 #include "codec/j2k_codec.h"
 
@@ -63,52 +64,8 @@ double Bpp(size_t bytes, const Image& img) {
 
 // ---- OpenJPEG through its library API, with in-memory streams ----
 
-struct MemStream {
-  const uint8_t* data = nullptr;
-  size_t size = 0;
-  size_t pos = 0;
-  std::vector<uint8_t>* out = nullptr;
-};
-
-OPJ_SIZE_T MemRead(void* buf, OPJ_SIZE_T n, void* user) {
-  auto* m = static_cast<MemStream*>(user);
-  if (m->pos >= m->size) return static_cast<OPJ_SIZE_T>(-1);
-  n = std::min<OPJ_SIZE_T>(n, m->size - m->pos);
-  memcpy(buf, m->data + m->pos, n);
-  m->pos += n;
-  return n;
-}
-OPJ_SIZE_T MemWrite(void* buf, OPJ_SIZE_T n, void* user) {
-  auto* m = static_cast<MemStream*>(user);
-  if (m->out->size() < m->pos + n) m->out->resize(m->pos + n);
-  memcpy(m->out->data() + m->pos, buf, n);
-  m->pos += n;
-  return n;
-}
-OPJ_OFF_T MemSkip(OPJ_OFF_T n, void* user) {
-  auto* m = static_cast<MemStream*>(user);
-  m->pos += static_cast<size_t>(n);
-  if (m->out && m->out->size() < m->pos) m->out->resize(m->pos);
-  return n;
-}
-OPJ_BOOL MemSeek(OPJ_OFF_T n, void* user) {
-  static_cast<MemStream*>(user)->pos = static_cast<size_t>(n);
-  return OPJ_TRUE;
-}
-
-opj_stream_t* OpenStream(MemStream* m, bool input) {
-  opj_stream_t* s = opj_stream_create(1 << 16, input);
-  opj_stream_set_user_data(s, m, nullptr);
-  if (input) {
-    opj_stream_set_user_data_length(s, m->size);
-    opj_stream_set_read_function(s, MemRead);
-  } else {
-    opj_stream_set_write_function(s, MemWrite);
-  }
-  opj_stream_set_skip_function(s, MemSkip);
-  opj_stream_set_seek_function(s, MemSeek);
-  return s;
-}
+using kro_peer::MemStream;
+using kro_peer::OpenStream;
 
 // Decodes a .j2k or .jp2 file; layers > 0 stops after that many quality layers.
 bool OpjDecode(const std::vector<uint8_t>& file, Image* img, int layers = 0) {
