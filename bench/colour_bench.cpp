@@ -173,8 +173,12 @@ struct Mcus {
   int PerMcu() const { return luma + 128; }
   std::vector<Kro16s> blocks =
       kro_bench::RandomVector<Kro16s>(size_t{kW / 8} * (kH / 8) * 3 * 64, -128, 127, 6);
-  Kro16s* At(int mx, int my) { return blocks.data() + (static_cast<size_t>(my) * cols + mx) * PerMcu(); }
-  size_t Pixel(int mx, int my) const { return (static_cast<size_t>(my) * mcu_h * kW + mx * mcu_w) * 3; }
+  Kro16s* At(int mx, int my) {
+    return blocks.data() + (static_cast<size_t>(my) * cols + mx) * PerMcu();
+  }
+  size_t Pixel(int mx, int my) const {
+    return (static_cast<size_t>(my) * mcu_h * kW + mx * mcu_w) * 3;
+  }
   int64_t Bytes() const { return 3 * kPixels + 2 * int64_t{cols} * rows * PerMcu(); }
 };
 
